@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QTextStream>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "app/Session.h"
+#include "store/Clock.h"
+
+namespace orve::app {
+
+// What a batch command gets: its own arguments (global options removed), the
+// program folder, the login of --as, and where to print.
+class BatchContext {
+public:
+    BatchContext(QStringList args, QString programFolder, QString asLogin, QTextStream& out,
+                 QTextStream& err, Clock clock);
+
+    const QStringList& args() const { return m_args; }
+    const QString& programFolder() const { return m_programFolder; }
+    const QString& asLogin() const { return m_asLogin; }
+    QTextStream& out() { return m_out; }
+    QTextStream& err() { return m_err; }
+    const Clock& clock() const { return m_clock; }
+
+    // The installation of the program folder, started as the desktop program
+    // starts it; with --as LOGIN, signed in as that user (without password).
+    Session& session();
+
+    // The value after a named option ("--league CODE"), or empty.
+    QString option(const QString& name) const;
+    // Positional arguments: those not an option nor an option's value. `flags`
+    // names the options that take no value.
+    QStringList positional(const QStringList& flags = {}) const;
+    bool hasFlag(const QString& flag) const { return m_args.contains(flag); }
+    // A line read from standard input (a password, say).
+    QString readLine();
+
+private:
+    QStringList m_args;
+    QString m_programFolder;
+    QString m_asLogin;
+    QTextStream& m_out;
+    QTextStream& m_err;
+    Clock m_clock;
+    std::unique_ptr<Session> m_session;
+};
+
+struct BatchCommand {
+    QString name;
+    QString usage;
+    // Returns the exit code; throws Refusal for the system's own refusals.
+    std::function<int(BatchContext&)> run;
+};
+
+class BatchRegistry {
+public:
+    void add(BatchCommand command) { m_commands.push_back(std::move(command)); }
+    const BatchCommand* find(const QString& name) const;
+    const std::vector<BatchCommand>& commands() const { return m_commands; }
+
+private:
+    std::vector<BatchCommand> m_commands;
+};
+
+// Every subsystem adds its commands here.
+void registerAllBatchCommands(BatchRegistry& registry);
+void registerAppBatchCommands(BatchRegistry& registry);
+
+// Parses global options (--home DIR, --as LOGIN), runs the command, prints a
+// refusal's French message and returns 1 on refusal or error.
+int runBatch(const QStringList& arguments, const QString& executableFolder, QTextStream& out,
+             QTextStream& err);
+
+}  // namespace orve::app

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+#include <vector>
+
+namespace orve::app {
+
+struct DemoUser {
+    QString login;
+    QString password;
+    QString league;
+    QString role;
+};
+
+// The operators of the demo installation, with their passwords (printed by
+// init-demo and written in the README).
+const std::vector<DemoUser>& demoUsers();
+
+// A complete, coherent installation to try every screen on: leagues,
+// committees, centres, clubs, licensees, articles and tariffs, natures,
+// types, organisers, codification lists, mail texts and three operators.
+// The names and addresses are invented.
+void createDemoInstallation(const QString& dir, const QDate& today);
+
+}  // namespace orve::app

@@ -1,0 +1,23 @@
+#include "app/Session.h"
+
+#include <QDir>
+
+namespace orve::app {
+
+Session::Session(QString programFolder, QString dataFolder, QString invoiceFolder,
+                 std::unique_ptr<store::Store> store, Installation installation, Clock clock)
+    : m_programFolder(std::move(programFolder)),
+      m_dataFolder(std::move(dataFolder)),
+      m_invoiceFolder(std::move(invoiceFolder)),
+      m_store(std::move(store)),
+      m_installation(std::move(installation)),
+      m_clock(clock) {}
+
+QString Session::settingsPath() const { return QDir(m_programFolder).filePath("orve.ini"); }
+
+void Session::setUser(const Operator& user) {
+    m_user = user;
+    m_signedIn = true;
+}
+
+}  // namespace orve::app

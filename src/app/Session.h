@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+#include <memory>
+
+#include "store/Clock.h"
+#include "store/Store.h"
+
+namespace orve::app {
+
+// The installation's own settings, read from strspecif at start-up.
+struct Installation {
+    QString code;
+    QString name;
+    QString district;
+    QString financialYearStart;  // "yyyymmdd"
+    QString financialYearEnd;    // "yyyymmdd"
+};
+
+// The signed-in operator.
+struct Operator {
+    QString login;   // as typed at sign-in
+    QString league;  // par_region
+    QString mail;    // par_mail
+};
+
+// Everything a screen or a rule may know about where it runs and who runs it.
+// One per program run, passed in; nothing of it lives in globals.
+class Session {
+public:
+    Session(QString programFolder, QString dataFolder, QString invoiceFolder,
+            std::unique_ptr<store::Store> store, Installation installation, Clock clock);
+
+    const QString& programFolder() const { return m_programFolder; }
+    const QString& dataFolder() const { return m_dataFolder; }
+    const QString& invoiceFolder() const { return m_invoiceFolder; }
+    // orve.ini beside the path files: letterhead, bank, mail server, options.
+    QString settingsPath() const;
+
+    store::Store& store() const { return *m_store; }
+    const Installation& installation() const { return m_installation; }
+
+    bool signedIn() const { return m_signedIn; }
+    const Operator& user() const { return m_user; }
+    void setUser(const Operator& user);
+
+    // The national level sees everything.
+    bool isNational() const { return m_user.league == QStringLiteral("JKV"); }
+    // A committee user's login begins "CD"; its league value is the committee number.
+    bool isCommitteeUser() const { return m_user.login.startsWith(QStringLiteral("CD")); }
+    // Full rights belong to this one login, compared exactly.
+    bool isAdministrator() const { return m_user.login == QStringLiteral("gestu"); }
+
+    const QString& screenMode() const { return m_screenMode; }
+    void setScreenMode(const QString& mode) { m_screenMode = mode; }
+
+    Clock& clock() { return m_clock; }
+    QDate today() const { return m_clock.today(); }
+
+private:
+    QString m_programFolder;
+    QString m_dataFolder;
+    QString m_invoiceFolder;
+    std::unique_ptr<store::Store> m_store;
+    Installation m_installation;
+    Clock m_clock;
+    Operator m_user;
+    bool m_signedIn = false;
+    QString m_screenMode;
+};
+
+}  // namespace orve::app

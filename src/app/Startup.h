@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+#include <memory>
+
+#include "app/Session.h"
+
+namespace orve::app {
+
+inline const QString kBasePathFile = QStringLiteral("chemin_base.txt");
+inline const QString kInvoicePathFile = QStringLiteral("chemin_facture.txt");
+inline const QString kTitlePrefix =
+    QStringLiteral("ORVE : Logiciel de facturation Bowling -----  Avec ORVE, plus de soucis  ---");
+
+// The program folder: --home DIR, else ORVE_HOME, else the executable's folder.
+QString resolveProgramFolder(const QString& homeOption, const QString& executableFolder);
+
+// Joins a folder written in a path file to the program folder: "\" or "/",
+// with or without a trailing separator, absolute or relative to the program folder.
+QString resolveFolder(const QString& programFolder, const QString& written);
+
+// First line of a path file, trimmed. Refuses, naming the file and what to do,
+// when it is missing, unreadable or empty.
+QString readPathFile(const QString& programFolder, const QString& fileName);
+
+// The whole start-up: path files, data store, installation record.
+std::unique_ptr<Session> startSession(const QString& programFolder, const Clock& clock);
+
+QString windowTitle(const Installation& installation);
+
+}  // namespace orve::app

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QPointer>
+#include <map>
+
+#include "app/Dialogs.h"
+#include "app/Session.h"
+#include "app/ui/ScreenCatalog.h"
+
+class QAction;
+class QGroupBox;
+class QLineEdit;
+class QMenu;
+class QPushButton;
+
+namespace orve::app {
+
+// The main window: sign-in, the menu bar by the operator's rights, the backup
+// panel. Closing it ends the program and every window opened from it.
+class ORVE_menu : public QMainWindow {
+    Q_OBJECT
+public:
+    ORVE_menu(Session& session, Dialogs& dialogs, const ScreenCatalog& catalog);
+
+    // Opens a window modeless, or brings the open one back to the front.
+    void openScreen(const QString& name, const QString& mode);
+
+private:
+    void buildMenus();
+    void buildPanels();
+    void applyRights();
+    void signIn();
+    void showBackupPanel();
+    void runBackup();
+    void chooseBackupFolder();
+    void runEntry(const QString& name);
+
+    Session& m_session;
+    Dialogs& m_dialogs;
+    const ScreenCatalog& m_catalog;
+    std::map<QString, QAction*> m_actions;  // every entry, by name
+    std::map<QString, QPointer<QWidget>> m_open;
+    QGroupBox* m_frame1 = nullptr;
+    QGroupBox* m_frame5 = nullptr;
+    QLineEdit* m_login = nullptr;
+    QLineEdit* m_password = nullptr;
+    QLineEdit* m_disk = nullptr;
+    QLineEdit* m_folder = nullptr;
+};
+
+}  // namespace orve::app

@@ -1,0 +1,22 @@
+#include "app/ui/OrveApplication.h"
+
+#include <cstdio>
+
+#include "store/Refusal.h"
+
+namespace orve::app {
+
+bool OrveApplication::notify(QObject* receiver, QEvent* event) {
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (const std::exception& e) {
+        if (m_dialogs) {
+            m_dialogs->inform(describeError(e));
+        } else {
+            std::fprintf(stderr, "%s\n", qPrintable(describeError(e)));
+        }
+    }
+    return false;
+}
+
+}  // namespace orve::app

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+#include <functional>
+
+#include "app/Dialogs.h"
+#include "store/Refusal.h"
+
+namespace orve::app {
+
+// Runs one handler's work; a refusal or an error becomes a message and the
+// program goes on. Returns false when something was shown instead.
+template <typename F>
+bool guarded(Dialogs& dialogs, F&& work) {
+    try {
+        work();
+        return true;
+    } catch (const std::exception& e) {
+        dialogs.inform(describeError(e));
+        return false;
+    }
+}
+
+// Centres a window on its screen (the caption-and-centre routine of every window).
+void centreOnScreen(QWidget* window);
+
+// Makes a widget a top-level, modeless window of the program, named as the window.
+void makeScreenWindow(QWidget* screen, const QString& name, const QString& title);
+
+}  // namespace orve::app

@@ -1,0 +1,107 @@
+#include <QDir>
+#include <QFile>
+#include <QTextStream>
+#include <cstdio>
+#include <memory>
+
+#include "app/Startup.h"
+#include "app/ui/ORVE_menu.h"
+#include "app/ui/OrveApplication.h"
+#include "app/ui/QtDialogs.h"
+#include "app/ui/ScenarioRunner.h"
+#include "app/ui/ScreenCatalog.h"
+#include "store/Refusal.h"
+
+namespace {
+
+QString optionValue(int argc, char** argv, const char* name) {
+    for (int i = 1; i + 1 < argc; ++i)
+        if (qstrcmp(argv[i], name) == 0) return QString::fromLocal8Bit(argv[i + 1]);
+    return {};
+}
+
+// Qt's own complaint about a missing display is cryptic; say it in one line.
+bool displayMissing() {
+#if defined(Q_OS_LINUX) || defined(Q_OS_FREEBSD)
+    return qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") &&
+           qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+#else
+    return false;
+#endif
+}
+
+// The offscreen platform of scenario runs complains about window hints it
+// cannot honour; that noise would bury a scenario's own report.
+void quietOffscreen(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (message.contains(QStringLiteral("propagateSizeHints")) ||
+        message.startsWith(QStringLiteral("QStandardPaths:")))
+        return;
+    std::fprintf(stderr, "%s\n", qPrintable(message));
+    if (type == QtFatalMsg) std::abort();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    using namespace orve::app;
+    const QString scenario = optionValue(argc, argv, "--scenario");
+    const QString home = optionValue(argc, argv, "--home");
+    if (!scenario.isEmpty()) {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+        qInstallMessageHandler(quietOffscreen);
+    } else if (displayMissing()) {
+        std::fprintf(stderr,
+                     "ORVE a besoin d'un écran : aucun affichage graphique n'est disponible "
+                     "(DISPLAY est vide) ; lancez-le sous Xvfb avec « xvfb-run -a orve --home "
+                     "DOSSIER ».\n");
+        return 1;
+    }
+    OrveApplication app(argc, argv);
+    app.setApplicationName(QStringLiteral("ORVE"));
+    ScreenCatalog catalog;
+    registerAllScreens(catalog);
+    const QString programFolder = resolveProgramFolder(home, QCoreApplication::applicationDirPath());
+    const orve::Clock clock = orve::Clock::fromEnvironment();
+
+    if (!scenario.isEmpty()) {
+        ScriptedDialogs dialogs;
+        app.setDialogs(&dialogs);
+        QFile file(scenario);
+        if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+            std::fprintf(stderr, "cannot read scenario %s\n", qPrintable(scenario));
+            return 1;
+        }
+        const QString script = QString::fromUtf8(file.readAll());
+        std::unique_ptr<Session> session;
+        std::unique_ptr<ORVE_menu> menu;
+        try {
+            session = startSession(programFolder, clock);
+            menu = std::make_unique<ORVE_menu>(*session, dialogs, catalog);
+            menu->show();
+        } catch (const std::exception& e) {
+            dialogs.inform(orve::describeError(e));
+        }
+        ScenarioRunner runner(dialogs, session.get());
+        const QString failure = runner.run(script);
+        menu.reset();
+        if (!failure.isEmpty()) {
+            std::fprintf(stderr, "scenario %s failed at %s\n", qPrintable(scenario),
+                         qPrintable(failure));
+            return 1;
+        }
+        return 0;
+    }
+
+    QtDialogs dialogs;
+    app.setDialogs(&dialogs);
+    std::unique_ptr<Session> session;
+    try {
+        session = startSession(programFolder, clock);
+    } catch (const std::exception& e) {
+        dialogs.inform(orve::describeError(e));
+        return 1;
+    }
+    ORVE_menu menu(*session, dialogs, catalog);
+    menu.show();
+    return app.exec();
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+#include <stdexcept>
+
+namespace orve {
+
+// The system's own "no": a French message for the operator. Whoever throws it
+// has written nothing (or rolled back), so showing the message is all there is to do.
+class Refusal : public std::runtime_error {
+public:
+    explicit Refusal(const QString& message)
+        : std::runtime_error(message.toStdString()), m_message(message) {}
+    const QString& message() const { return m_message; }
+
+private:
+    QString m_message;
+};
+
+// A database or file failure, already worded in French for the operator: which
+// file, which table, which operation, and what the engine said.
+class StoreError : public std::runtime_error {
+public:
+    explicit StoreError(const QString& message)
+        : std::runtime_error(message.toStdString()), m_message(message) {}
+    const QString& message() const { return m_message; }
+
+private:
+    QString m_message;
+};
+
+// Turns anything thrown below a screen or a batch command into the text shown.
+QString describeError(const std::exception& e);
+
+}  // namespace orve

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QSqlDatabase>
+#include <QSqlRecord>
+#include <QString>
+#include <QVariant>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace orve::store {
+
+// The five files of a data folder. One connection opens the first and attaches
+// the four others under these schema names, so one statement can join them.
+enum class File { Jkv, Facture, Tiers, Mail, Tri };
+QString fileName(File f);    // "bow_jkv.db", ...
+QString schemaName(File f);  // "main", "facture", "tiers", "mail", "tri"
+const std::vector<File>& allFiles();
+std::optional<File> fileByShortName(const QString& shortName);  // "jkv", "facture", ...
+
+using Params = std::vector<QVariant>;
+using Row = QSqlRecord;
+using Rows = std::vector<QSqlRecord>;
+// Column name and value, in the order they are written.
+using Fields = std::vector<std::pair<QString, QVariant>>;
+
+class Store {
+public:
+    // Opens the data folder's files, creating them and bringing their schema up
+    // to date first. Throws StoreError with a French message when it cannot.
+    static std::unique_ptr<Store> open(const QString& dataFolder);
+    ~Store();
+    Store(const Store&) = delete;
+    Store& operator=(const Store&) = delete;
+
+    const QString& dataFolder() const { return m_folder; }
+    QString path(File f) const;
+    QSqlDatabase database() const;
+
+    // Every statement takes its values bound to "?" placeholders, never spliced in.
+    Rows select(const QString& sql, const Params& params = {}) const;
+    std::optional<Row> selectOne(const QString& sql, const Params& params = {}) const;
+    QVariant scalar(const QString& sql, const Params& params = {}) const;
+    bool exists(const QString& sql, const Params& params = {}) const;
+    int exec(const QString& sql, const Params& params = {}) const;  // rows affected
+    // Table and column names come from the program, values are bound.
+    void insert(const QString& table, const Fields& fields) const;
+    int update(const QString& table, const Fields& fields, const QString& where,
+               const Params& whereParams) const;
+
+    // Used by Transaction.
+    void begin();
+    void commit();
+    void rollback();
+    int depth() const { return m_depth; }
+
+private:
+    explicit Store(QString folder, QString connection);
+    QString m_folder;
+    QString m_connection;
+    int m_depth = 0;
+    bool m_failedInner = false;
+};
+
+// One business operation, one transaction: rolls back unless committed.
+// Nested guards become savepoints, so a rule can call another rule safely.
+class Transaction {
+public:
+    explicit Transaction(Store& store);
+    ~Transaction();
+    void commit();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+private:
+    Store& m_store;
+    bool m_done = false;
+};
+
+// Applies the schema files of one data file, brings it to WAL mode; used at
+// open, and by installations created from scratch.
+void prepareFile(const QString& dataFolder, File f);
+
+}  // namespace orve::store

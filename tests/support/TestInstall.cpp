@@ -1,0 +1,47 @@
+#include "support/TestInstall.h"
+
+#include <QProcess>
+
+#include "app/DemoData.h"
+#include "app/InstallationSetup.h"
+#include "app/SignIn.h"
+#include "app/Startup.h"
+
+namespace orve::test {
+
+TestInstall::TestInstall(Kind kind, const QDate& today) : m_today(today) {
+    m_home = m_dir.path() + QStringLiteral("/inst");
+    if (kind == Kind::Demo) {
+        app::createDemoInstallation(m_home, today);
+    } else {
+        app::createInstallation(m_home, {"TST", "Installation de test", "D1"}, today);
+    }
+}
+
+std::unique_ptr<app::Session> TestInstall::start() const {
+    return app::startSession(m_home, Clock::fixed(m_today));
+}
+
+std::unique_ptr<app::Session> TestInstall::startAs(const QString& login) const {
+    auto s = start();
+    app::actAs(*s, login);
+    return s;
+}
+
+int runProgram(const QString& program, const QStringList& args, const QString& input,
+               QString* out, QString* err, const QStringList& extraEnv) {
+    QProcess p;
+    auto env = QProcessEnvironment::systemEnvironment();
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    for (const QString& kv : extraEnv) env.insert(kv.section('=', 0, 0), kv.section('=', 1));
+    p.setProcessEnvironment(env);
+    p.start(program, args);
+    p.write(input.toUtf8());
+    p.closeWriteChannel();
+    p.waitForFinished(120000);
+    if (out) *out = QString::fromUtf8(p.readAllStandardOutput());
+    if (err) *err = QString::fromUtf8(p.readAllStandardError());
+    return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+}
+
+}  // namespace orve::test

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+#include <QTemporaryDir>
+#include <memory>
+
+#include "app/Session.h"
+
+namespace orve::test {
+
+// A throw-away installation in its own temporary folder.
+class TestInstall {
+public:
+    enum class Kind { Empty, Demo };
+    explicit TestInstall(Kind kind = Kind::Demo, const QDate& today = QDate(2026, 11, 21));
+    const QString& home() const { return m_home; }
+    const QDate& today() const { return m_today; }
+    // Starts the installation as the desktop program does.
+    std::unique_ptr<app::Session> start() const;
+    // Started and signed in as a demo user (without checking the password).
+    std::unique_ptr<app::Session> startAs(const QString& login) const;
+
+private:
+    QTemporaryDir m_dir;
+    QString m_home;
+    QDate m_today;
+};
+
+// Runs a program, feeding stdin; returns its exit code, fills out and err.
+int runProgram(const QString& program, const QStringList& args, const QString& input,
+               QString* out, QString* err, const QStringList& extraEnv = {});
+
+}  // namespace orve::test
