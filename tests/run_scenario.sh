@@ -7,4 +7,7 @@ trap 'rm -rf "$work"' EXIT
 export QT_QPA_PLATFORM=offscreen
 export ORVE_TODAY="${ORVE_TODAY:-21/11/2026}"
 "$batch" init-demo "$work/inst" >/dev/null
+# Relative paths in a scenario land in its own scratch folder; "usb" stands for a medium.
+mkdir "$work/usb"
+cd "$work"
 "$orve" --home "$work/inst" --scenario "$scenario"
