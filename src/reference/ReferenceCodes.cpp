@@ -1,0 +1,44 @@
+#include "reference/ReferenceCodes.h"
+
+#include <QRegularExpression>
+#include <QSqlField>
+
+#include "store/Formats.h"
+
+namespace orve::reference {
+
+Card cardOf(const store::Row& row) {
+    Card card;
+    for (int i = 0; i < row.count(); ++i) {
+        const QVariant v = row.value(i);
+        card.insert(row.fieldName(i), v.isNull() ? QString() : v.toString());
+    }
+    return card;
+}
+
+store::Fields fieldsOf(const Card& card, const QStringList& columns) {
+    store::Fields fields;
+    for (const QString& c : columns) fields.emplace_back(c, card.value(c));
+    return fields;
+}
+
+bool isWholeNumber(const QString& text) {
+    static const QRegularExpression digits(QStringLiteral("^\\d+$"));
+    return digits.match(text.trimmed()).hasMatch();
+}
+
+QString formatNumber(const QString& text, int width) {
+    const QString t = text.trimmed();
+    if (!isWholeNumber(t)) return t;
+    QString digits = t;
+    while (digits.size() > 1 && digits.startsWith(QChar('0'))) digits.remove(0, 1);
+    return digits.size() >= width ? digits : QString(width - digits.size(), QChar('0')) + digits;
+}
+
+QString itemCode(const QString& itemText) {
+    if (itemText == kChoose) return {};
+    const int hash = itemText.indexOf(QChar('#'));
+    return (hash < 0 ? itemText : itemText.left(hash)).trimmed();
+}
+
+}  // namespace orve::reference

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+
+#include "store/Store.h"
+
+namespace orve::app {
+class Session;
+}
+
+namespace orve::reference {
+
+// Who looks at a list: what decides which parties a user may see.
+struct Viewer {
+    QString login;
+    QString league;    // the user's league; a committee user's holds its committee number
+    QString district;  // the installation's district
+    bool isNational() const { return league == QStringLiteral("JKV"); }
+    bool isCommitteeUser() const { return login.startsWith(QStringLiteral("CD")); }
+    // The committee number of a committee user, as keyed ("13" gives "013").
+    QString committeeNumber() const;
+    static Viewer of(const app::Session& session);
+};
+
+// The columns of a table that carry a party's league, district and committee.
+// A table without a district or committee column leaves it empty; the filter
+// then stops at the league, so a committee user sees its league there.
+struct VisibilityColumns {
+    QString league;
+    QString district;
+    QString committee;
+};
+
+// A condition on a table, with its values bound.
+struct SqlFilter {
+    QString condition;  // empty: no restriction
+    store::Params params;
+    // " where <condition>" or nothing, ready to follow a "select ... from table".
+    QString whereClause() const;
+    // The condition joined to another one with "and".
+    SqlFilter and_(const QString& other, const store::Params& otherParams) const;
+};
+
+// National users see everything; a committee user sees its own committee; any
+// other user sees its league and, unless the installation's district is "DD",
+// only its district.
+SqlFilter visibilityFilter(const Viewer& viewer, const VisibilityColumns& columns);
+
+}  // namespace orve::reference

@@ -1,0 +1,163 @@
+#include "reference/ui/PartyScreen.h"
+
+#include <QFont>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include "app/ui/ScreenSupport.h"
+
+namespace orve::reference {
+
+PartyScreen::PartyScreen(app::Session& session, app::Dialogs& dialogs, QWidget* parent,
+                         const QString& name, const QString& title, const QString& cardTitle,
+                         const QString& validateName, const QString& cancelName)
+    : QWidget(parent), m_session(session), m_dialogs(dialogs) {
+    app::makeScreenWindow(this, name, title);
+    m_main = new QVBoxLayout(this);
+    m_grid = new app::DataGrid(QStringLiteral("DBGrid1"), this);
+    m_grid->setMinimumHeight(160);
+    m_main->addWidget(m_grid, 1);
+    m_card = new QGroupBox(cardTitle, this);
+    m_card->setObjectName(QStringLiteral("Frame1"));
+    QFont bold = m_card->font();
+    bold.setBold(true);
+    m_card->setFont(bold);
+    auto* cardLayout = new QVBoxLayout(m_card);
+    m_form = new QGridLayout;
+    m_form->setColumnStretch(1, 1);
+    m_form->setColumnStretch(3, 1);
+    m_form->setHorizontalSpacing(8);
+    cardLayout->addLayout(m_form);
+    m_buttons = new QHBoxLayout;
+    cardLayout->addLayout(m_buttons);
+    m_main->addWidget(m_card);
+    m_validate = new QPushButton(QStringLiteral("Valider"), m_card);
+    m_validate->setObjectName(validateName);
+    m_cancel = new QPushButton(QStringLiteral("Annuler"), m_card);
+    m_cancel->setObjectName(cancelName);
+    connect(m_grid, &app::DataGrid::rowChosen, this, &PartyScreen::chooseRow);
+    connect(m_validate, &QPushButton::clicked, this, &PartyScreen::validate);
+    connect(m_cancel, &QPushButton::clicked, this, &PartyScreen::cancel);
+}
+
+void PartyScreen::start() {
+    m_buttons->addStretch(1);
+    m_buttons->addWidget(m_validate);
+    m_buttons->addWidget(m_cancel);
+    // Captions and boxes of the card are plain; only its title is bold.
+    for (QWidget* w : m_card->findChildren<QWidget*>()) {
+        QFont f = w->font();
+        f.setBold(false);
+        w->setFont(f);
+    }
+    cancel();
+}
+
+void PartyScreen::chooseRow(int row) {
+    const QString key = m_grid->value(row, m_grid->fieldOf(0)).toString();
+    run([&] {
+        m_adding = false;
+        m_key = key;
+        showRecord(key);
+        m_card->show();
+    });
+}
+
+void PartyScreen::validate() {
+    if (run([&] { saveRecord(); })) cancel();
+}
+
+void PartyScreen::cancel() {
+    m_card->hide();
+    m_adding = false;
+    m_key.clear();
+    run([&] { m_grid->setRows(loadRows()); });
+    afterCancel();
+}
+
+void PartyScreen::setGridCaption(const QString& caption) {
+    if (!m_gridCaption) {
+        m_gridCaption = new QLabel(this);
+        m_gridCaption->setObjectName(m_grid->objectName() + QStringLiteral("_caption"));
+        m_gridCaption->setAlignment(Qt::AlignCenter);
+        QFont f = m_gridCaption->font();
+        f.setBold(true);
+        m_gridCaption->setFont(f);
+        m_main->insertWidget(0, m_gridCaption);
+    }
+    m_gridCaption->setText(caption);
+}
+
+QLineEdit* PartyScreen::textBox(const QString& name, int width) {
+    auto* box = new QLineEdit(m_card);
+    box->setObjectName(name);
+    if (width > 0) box->setMaximumWidth(width);
+    return box;
+}
+
+QLineEdit* PartyScreen::boundBox(const QString& name, const QString& column, int width) {
+    QLineEdit* box = textBox(name, width);
+    m_bound.emplace_back(box, column);
+    return box;
+}
+
+QLineEdit* PartyScreen::readOnlyBox(const QString& name, int width) {
+    QLineEdit* box = textBox(name, width);
+    box->setReadOnly(true);
+    box->setFocusPolicy(Qt::NoFocus);
+    QPalette p = box->palette();
+    p.setColor(QPalette::Base, p.color(QPalette::Window));
+    box->setPalette(p);
+    return box;
+}
+
+void PartyScreen::addRow(const QString& label, std::initializer_list<QWidget*> controls, int column) {
+    const int row = m_nextRow[column]++;
+    if (!label.isEmpty()) {
+        auto* caption = new QLabel(label, m_card);
+        caption->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        m_form->addWidget(caption, row, column * 2);
+    }
+    auto* line = new QHBoxLayout;
+    line->setSpacing(6);
+    for (QWidget* w : controls) line->addWidget(w, w->maximumWidth() < QWIDGETSIZE_MAX ? 0 : 1);
+    bool anyStretch = false;
+    for (QWidget* w : controls) anyStretch |= w->maximumWidth() >= QWIDGETSIZE_MAX;
+    if (!anyStretch) line->addStretch(1);
+    m_form->addLayout(line, row, column * 2 + 1);
+}
+
+std::vector<QRadioButton*> PartyScreen::optionGroup(const QString& name, const QStringList& captions,
+                                                    QWidget* container) {
+    auto* layout = container->layout() ? container->layout() : new QHBoxLayout(container);
+    std::vector<QRadioButton*> buttons;
+    for (int i = 0; i < captions.size(); ++i) {
+        auto* b = new QRadioButton(captions[i], container);
+        b->setObjectName(QStringLiteral("%1_%2").arg(name).arg(i));
+        layout->addWidget(b);
+        buttons.push_back(b);
+    }
+    return buttons;
+}
+
+QPushButton* PartyScreen::button(const QString& name, const QString& caption) {
+    auto* b = new QPushButton(caption, this);
+    b->setObjectName(name);
+    return b;
+}
+
+void PartyScreen::fillBound(const Card& card) {
+    for (auto& [box, column] : m_bound) box->setText(card.value(column));
+}
+
+Card PartyScreen::readBound() const {
+    Card card;
+    for (const auto& [box, column] : m_bound) card.insert(column, box->text());
+    return card;
+}
+
+void PartyScreen::clearBound() {
+    for (auto& [box, column] : m_bound) box->clear();
+}
+
+}  // namespace orve::reference

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QWidget>
+#include <initializer_list>
+#include <vector>
+
+#include "app/Dialogs.h"
+#include "app/Session.h"
+#include "app/ui/DataGrid.h"
+#include "app/ui/ScreenSupport.h"
+#include "reference/ReferenceCodes.h"
+#include "reference/Visibility.h"
+
+namespace orve::reference {
+
+// The record pattern every reference window follows: a grid of the table, a
+// card (`Frame1`) hidden until a row is chosen, `CmdValide` writes the card and
+// then does what `CmdAnnule` does: hide the card and show the stored data again.
+// A window adds its columns, its card boxes and its one rule per handler.
+class PartyScreen : public QWidget {
+    Q_OBJECT
+public:
+    PartyScreen(app::Session& session, app::Dialogs& dialogs, QWidget* parent, const QString& name,
+                const QString& title, const QString& cardTitle,
+                const QString& validateName = QStringLiteral("CmdValide"),
+                const QString& cancelName = QStringLiteral("CmdAnnule"));
+
+    // The pattern's three moves, also used by the subclasses.
+    void chooseRow(int row);
+    void validate();
+    void cancel();
+
+protected:
+    app::DataGrid* grid() const { return m_grid; }
+    QGroupBox* card() const { return m_card; }
+    QVBoxLayout* mainLayout() const { return m_main; }
+    QHBoxLayout* buttonRow() const { return m_buttons; }
+    app::Session& session() const { return m_session; }
+    app::Dialogs& dialogs() const { return m_dialogs; }
+    store::Store& store() const { return m_session.store(); }
+    Viewer viewer() const { return Viewer::of(m_session); }
+    // The key of the record on the card (the grid's first column), empty when adding.
+    const QString& key() const { return m_key; }
+    bool adding() const { return m_adding; }
+    void setAdding(bool adding) { m_adding = adding; }
+
+    // Puts a caption above the grid.
+    void setGridCaption(const QString& caption);
+    // A text box named as the control; a bound one is filled from and read into
+    // its column of the card.
+    QLineEdit* textBox(const QString& name, int width = 0);
+    QLineEdit* boundBox(const QString& name, const QString& column, int width = 0);
+    QLineEdit* readOnlyBox(const QString& name, int width = 0);
+    // One line of the card: a label and its controls, in the given card column
+    // (0 or 1) so that long cards fit in two halves.
+    void addRow(const QString& label, std::initializer_list<QWidget*> controls, int column = 0);
+    // Two (or more) radio buttons named name_0, name_1..., side by side.
+    std::vector<QRadioButton*> optionGroup(const QString& name, const QStringList& captions,
+                                           QWidget* container);
+    QPushButton* button(const QString& name, const QString& caption);
+
+    void fillBound(const Card& card);
+    Card readBound() const;
+    void clearBound();
+
+    // What each window does.
+    virtual store::Rows loadRows() = 0;
+    virtual void showRecord(const QString& key) = 0;
+    virtual void saveRecord() = 0;
+    // Called after the card is hidden and the grid reloaded.
+    virtual void afterCancel() {}
+
+    // Builds the buttons row of the card and fills the grid; last step of a
+    // subclass constructor.
+    void start();
+    // Runs a handler; a refusal or an error becomes a message. False when shown.
+    template <typename F>
+    bool run(F&& work) {
+        return app::guarded(m_dialogs, std::forward<F>(work));
+    }
+
+private:
+    app::Session& m_session;
+    app::Dialogs& m_dialogs;
+    app::DataGrid* m_grid;
+    QLabel* m_gridCaption = nullptr;
+    QGroupBox* m_card;
+    QGridLayout* m_form;
+    QVBoxLayout* m_main;
+    QHBoxLayout* m_buttons;
+    QPushButton* m_validate;
+    QPushButton* m_cancel;
+    int m_nextRow[2] = {0, 0};
+    std::vector<std::pair<QLineEdit*, QString>> m_bound;
+    QString m_key;
+    bool m_adding = false;
+};
+
+}  // namespace orve::reference
