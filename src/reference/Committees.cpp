@@ -48,6 +48,22 @@ QString entityName(store::Store& store, const InvoicingEntity& entity) {
     return entity.committee ? name(store, entity.code) : leagues::name(store, entity.code);
 }
 
+Lookup lookUpLeague(store::Store& store, const QString& code) {
+    const QString found = leagues::name(store, code);
+    return {found, found.isEmpty() ? QStringLiteral("Cette LR n'existe pas") : QString()};
+}
+
+Lookup lookUpEntity(store::Store& store, const InvoicingEntity& entity) {
+    if (!entity.committee) return lookUpLeague(store, entity.code);
+    const QString found = name(store, entity.code);
+    return {found, found.isEmpty() ? QStringLiteral("Cette CD n'existe pas") : QString()};
+}
+
+QString cardCaption(const store::Row& committee) {
+    return QStringLiteral("FICHE DU COMITE DEPARTEMENTAL : ") + committee.value("de_no").toString() +
+           QStringLiteral(" - ") + committee.value("de_lib").toString();
+}
+
 void save(store::Store& store, const QString& number, const CommitteeEdit& edit, const QDate& today) {
     store::Transaction tx(store);
     if (entityName(store, edit.entity).isEmpty())

@@ -32,6 +32,17 @@ QString joinEntity(const InvoicingEntity& entity);
 // The name of the league or committee invoiced; empty when there is none.
 QString entityName(store::Store& store, const InvoicingEntity& entity);
 
+// A code looked up as it is typed: the name found, or the message saying it
+// does not exist.
+struct Lookup {
+    QString name;
+    QString message;  // empty when found
+};
+Lookup lookUpLeague(store::Store& store, const QString& code);
+Lookup lookUpEntity(store::Store& store, const InvoicingEntity& entity);
+// The card's caption while a committee is shown.
+QString cardCaption(const store::Row& committee);
+
 // What the card holds beyond the plain text columns.
 struct CommitteeEdit {
     Card card;              // the columns of cardColumns()

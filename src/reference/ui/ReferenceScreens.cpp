@@ -1,4 +1,9 @@
 #include "app/ui/ScreenCatalog.h"
+#include "reference/ui/ORVE_ges_article.h"
+#include "reference/ui/ORVE_ges_naturec.h"
+#include "reference/ui/ORVE_tiers_bowling.h"
+#include "reference/ui/ORVE_tiers_club.h"
+#include "reference/ui/ORVE_tiers_dept.h"
 #include "reference/ui/ORVE_tiers_lr.h"
 
 namespace orve::reference {
@@ -12,6 +17,11 @@ static app::ScreenCatalog::Factory factory() {
 
 void registerReferenceScreens(app::ScreenCatalog& catalog) {
     catalog.add(QStringLiteral("ORVE_tiers_lr"), factory<ORVE_tiers_lr>());
+    catalog.add(QStringLiteral("ORVE_tiers_dept"), factory<ORVE_tiers_dept>());
+    catalog.add(QStringLiteral("ORVE_tiers_bowling"), factory<ORVE_tiers_bowling>());
+    catalog.add(QStringLiteral("ORVE_tiers_club"), factory<ORVE_tiers_club>());
+    catalog.add(QStringLiteral("ORVE_ges_article"), factory<ORVE_ges_article>());
+    catalog.add(QStringLiteral("ORVE_ges_naturec"), factory<ORVE_ges_naturec>());
 }
 
 }  // namespace orve::reference

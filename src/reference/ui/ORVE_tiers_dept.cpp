@@ -1,0 +1,112 @@
+#include "reference/ui/ORVE_tiers_dept.h"
+
+#include "reference/Committees.h"
+#include "store/Refusal.h"
+
+namespace orve::reference {
+
+using Kind = app::GridColumn::Kind;
+
+ORVE_tiers_dept::ORVE_tiers_dept(app::Session& session, app::Dialogs& dialogs, QWidget* parent)
+    : PartyScreen(session, dialogs, parent, QStringLiteral("ORVE_tiers_dept"),
+                  QStringLiteral("Les Comités Départementaux"),
+                  QStringLiteral("FICHE DU COMITE DEPARTEMENTAL")) {
+    grid()->setColumns({{QStringLiteral("N° Dept"), "de_no", Kind::Text},
+                        {QStringLiteral("Ligue"), "de_region", Kind::Text},
+                        {QStringLiteral("District"), "de_district", Kind::Text},
+                        {QStringLiteral("Compta"), "de_compta", Kind::Text},
+                        {QStringLiteral("A Facturer"), "de_facturation", Kind::Text},
+                        {QStringLiteral("Intitulé"), "de_lib", Kind::Text},
+                        {QStringLiteral("Nom du président"), "de_president", Kind::Text}});
+
+    addRow(QStringLiteral("Intitulé du Comité Départemental : "), {boundBox("txt_lib", "de_lib")});
+    addRow(QStringLiteral("Nom du Président : "),
+           {boundBox("txt_president_int", "de_president_int"), boundBox("txt_president_nom", "de_president")});
+    addRow(QStringLiteral("Adresse du C.D. : "), {boundBox("txt_de_ad1", "de_ad1")});
+    addRow({}, {boundBox("txt_de_ad2", "de_ad2")});
+    addRow({}, {boundBox("txt_de_ad3", "de_ad3")});
+    addRow({}, {boundBox("txt_de_ad4", "de_ad4")});
+    addRow({}, {boundBox("txt_de_cp", "de_cp", 80), boundBox("txt_de_ville", "de_ville")});
+    addRow(QStringLiteral("Mails du Président du C.D. : "),
+           {boundBox("txt_de_mail1", "de_mail1"), boundBox("txt_de_mail2", "de_mail2")});
+    m_league = textBox("txt_lr", 80);
+    m_leagueName = readOnlyBox("txt_lib_lr");
+    addRow(QStringLiteral("Ligue régionale : "), {m_league, m_leagueName});
+    auto* options = new QWidget(card());
+    m_entityKind = optionGroup(QStringLiteral("Option1"), {QStringLiteral("La Ligue"), QStringLiteral("au CD")},
+                               options);
+    addRow(QStringLiteral("Facturation à : "), {options});
+    m_entity = textBox("txt_facturation", 80);
+    m_entityName = readOnlyBox("txt_lib_fact");
+    addRow(QStringLiteral("Code entité à facturer :  "), {m_entity, m_entityName});
+    m_district = textBox("txt_district", 80);
+    addRow(QStringLiteral("District:  "), {m_district});
+    m_account = textBox("txt_compta", 100);
+    addRow(QStringLiteral("Imputation comptable :  "), {m_account});
+
+    // The names follow every keystroke; the message waits until the operator
+    // leaves the box, so that typing a code is not interrupted at each letter.
+    connect(m_league, &QLineEdit::textEdited, this, [this] {
+        m_league->setModified(true);
+        lookUpLeague(false);
+    });
+    connect(m_league, &QLineEdit::editingFinished, this, [this] {
+        if (m_league->isModified()) lookUpLeague(true);
+        m_league->setModified(false);
+    });
+    connect(m_entity, &QLineEdit::textEdited, this, [this] {
+        m_entity->setModified(true);
+        lookUpEntity(false);
+    });
+    connect(m_entity, &QLineEdit::editingFinished, this, [this] {
+        if (m_entity->isModified()) lookUpEntity(true);
+        m_entity->setModified(false);
+    });
+    for (QRadioButton* option : m_entityKind)
+        connect(option, &QRadioButton::clicked, this, [this] { lookUpEntity(true); });
+    resize(960, 720);
+    start();
+}
+
+store::Rows ORVE_tiers_dept::loadRows() { return committees::list(store(), viewer()); }
+
+void ORVE_tiers_dept::showRecord(const QString& key) {
+    const auto row = committees::find(store(), key);
+    if (!row) throw Refusal(QStringLiteral("Le comité %1 n'existe plus.").arg(key));
+    const Card values = cardOf(*row);
+    fillBound(values);
+    const auto entity = committees::splitEntity(values.value("de_facturation"));
+    m_entityKind[entity.committee ? 1 : 0]->setChecked(true);
+    m_entity->setText(entity.code);
+    m_league->setText(values.value("de_region"));
+    m_district->setText(values.value("de_district"));
+    m_account->setText(values.value("de_compta"));
+    card()->setTitle(committees::cardCaption(*row));
+    lookUpLeague(true);
+    lookUpEntity(true);
+}
+
+void ORVE_tiers_dept::lookUpLeague(bool tell) {
+    run([&] {
+        const auto found = committees::lookUpLeague(store(), m_league->text());
+        m_leagueName->setText(found.name);
+        if (tell && !found.message.isEmpty()) dialogs().inform(found.message);
+    });
+}
+
+void ORVE_tiers_dept::lookUpEntity(bool tell) {
+    run([&] {
+        const auto found = committees::lookUpEntity(store(), {committeeEntity(), m_entity->text()});
+        m_entityName->setText(found.name);
+        if (tell && !found.message.isEmpty()) dialogs().inform(found.message);
+    });
+}
+
+void ORVE_tiers_dept::saveRecord() {
+    committees::save(store(), key(),
+                     {readBound(), m_league->text(), m_district->text(), m_account->text(),
+                      {committeeEntity(), m_entity->text()}},
+                     session().today());
+}
+
+}  // namespace orve::reference
