@@ -7,6 +7,7 @@
 #include "app/SignIn.h"
 #include "app/Startup.h"
 #include "app/Users.h"
+#include "invoicing/DemoInvoices.h"
 #include "store/Formats.h"
 #include "store/Store.h"
 
@@ -450,6 +451,7 @@ void createDemoInstallation(const QString& dir, const QDate& today) {
         fillReference(*store, todayText, season);
         fillArticlesAndNatures(*store, season);
         ensurePseudoCompetitions(*store, today);
+        invoicing::createDemoInvoices(*store, today);
         tx.commit();
     }
     for (const auto& u : demoUsers()) {

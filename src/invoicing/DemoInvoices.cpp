@@ -1,0 +1,151 @@
+#include "invoicing/DemoInvoices.h"
+
+#include "invoicing/InvoiceRecords.h"
+#include "store/Formats.h"
+#include "store/Refusal.h"
+
+namespace orve::invoicing {
+
+namespace {
+
+QString text(const store::Row& r, const char* name) {
+    return r.value(QLatin1String(name)).toString().trimmed();
+}
+
+store::Row row(const store::Store& s, const QString& sql, const QString& key) {
+    const auto r = s.selectOne(sql, {key});
+    if (!r) throw StoreError(QStringLiteral("Données de démonstration incomplètes : %1").arg(key));
+    return *r;
+}
+
+InvoiceParty club(const store::Store& s, const QString& code) {
+    const auto r = row(s, QStringLiteral("SELECT * FROM strclub WHERE club_code = ?"), code);
+    return {code, QString(), text(r, "club_nom"), text(r, "club_president"), text(r, "club_ad1"),
+            text(r, "club_ad2"), text(r, "club_ad3"), text(r, "club_ad4"),
+            text(r, "club_cp") + QStringLiteral(" ") + text(r, "club_ville"), text(r, "club_mail1"),
+            text(r, "club_mail2")};
+}
+
+// Committees are invoiced under "CD" followed by their number.
+InvoiceParty committee(const store::Store& s, const QString& no) {
+    const auto r = row(s, QStringLiteral("SELECT * FROM strdept WHERE de_no = ?"), no);
+    return {QStringLiteral("CD") + no, QString(),
+            QStringLiteral("Comité Départemental ") + text(r, "de_lib"), text(r, "de_president"),
+            text(r, "de_ad1"), text(r, "de_ad2"), text(r, "de_ad3"), text(r, "de_ad4"),
+            text(r, "de_cp") + QStringLiteral(" ") + text(r, "de_ville"), text(r, "de_mail1"),
+            text(r, "de_mail2")};
+}
+
+InvoiceParty league(const store::Store& s, const QString& code) {
+    const auto r = row(s, QStringLiteral("SELECT * FROM strregion WHERE re_code = ?"), code);
+    return {code, QString(), text(r, "re_lib"), text(r, "re_president"), text(r, "re_ad1"),
+            text(r, "re_ad2"), text(r, "re_ad3"), text(r, "re_ad4"),
+            text(r, "re_cp") + QStringLiteral(" ") + text(r, "re_ville"), text(r, "re_mail1"),
+            text(r, "re_mail2")};
+}
+
+InvoiceHeader header(const store::Store& s, const QString& index, const QDate& date,
+                     const InvoiceParty& billed, const InvoiceParty& client) {
+    const auto c = row(s, QStringLiteral("SELECT * FROM strcompetition WHERE c_index = ?"), index);
+    InvoiceHeader h;
+    h.dateText = format::displayDate(date);
+    h.dueDateText = format::displayDate(date.addDays(30));
+    h.nature = text(c, "c_nature");
+    h.competitionIndex = index;
+    h.competitionTitle = text(c, "c_intitule");
+    h.codification = c.value("c_codification").toString();
+    h.billed = billed;
+    h.client = client;
+    return h;
+}
+
+Money price(const store::Store& s, const QString& article) {
+    return Money::fromVariant(s.scalar(
+        QStringLiteral("SELECT t_tarif FROM strtarifsaison WHERE t_article = ? "
+                       "ORDER BY t_saison DESC LIMIT 1"),
+        {article}));
+}
+
+QString articleText(const store::Store& s, const QString& article) {
+    return s.scalar(QStringLiteral("SELECT a_libelle FROM strarticle WHERE a_index = ?"), {article})
+        .toString();
+}
+
+// The first line of a new invoice becomes the first real line.
+void fill(store::Store& s, const QString& number, const std::vector<InvoiceLine>& lines) {
+    updateLine(s, number, QStringLiteral("01"), lines.front());
+    for (size_t i = 1; i < lines.size(); ++i) appendLine(s, number, lines[i]);
+}
+
+InvoiceLine article(const store::Store& s, const QString& code, qint64 quantity) {
+    return {code, articleText(s, code), quantity, price(s, code)};
+}
+
+}  // namespace
+
+void createDemoInvoices(store::Store& s, const QDate& today) {
+    store::Transaction tx(s);
+    // Numbers in use are the year followed by a sequence: the numbering is
+    // moved on by a marker header, as the renumbering tool does.
+    s.insert(QStringLiteral("strentete"),
+             {{"ent_fact_no", QString::number(qint64(today.year()) * 1000000)},
+              {"ent_fact_type", kInvoiceType},
+              {"ent_fact_lib", QStringLiteral("Changement de numerotation")},
+              {"ent_fact_date", format::displayDate(today)},
+              {"ent_fact_tri", format::sortDate(today)},
+              {"ent_montant", 0},
+              {"ent_acompte", 0},
+              {"ent_fact_edt", "N"},
+              {"ent_envoi_mail", "O"},
+              {"ent_compta", "O"}});
+
+    const QDate day = today.addDays(-10);
+    const InvoiceParty none;
+
+    // Licences of a club.
+    const QString licences = createInvoice(
+        s, header(s, kLicenceIndex, day, club(s, QStringLiteral("CL13001")), none), today);
+    fill(s, licences,
+         {article(s, QStringLiteral("00000004"), 1), article(s, QStringLiteral("00000001"), 12),
+          article(s, QStringLiteral("00000002"), 5), article(s, QStringLiteral("00000003"), 3)});
+
+    // Miscellaneous invoice to a committee, with a free-text line and a deposit.
+    InvoiceHeader misc = header(s, kMiscIndex, day, committee(s, QStringLiteral("013")), none);
+    misc.deposit = Money::fromCents(5000);
+    const QString miscNumber = createInvoice(s, misc, today);
+    fill(s, miscNumber,
+         {article(s, QStringLiteral("00000005"), 1), article(s, QStringLiteral("00000006"), 2),
+          {kFreeTextArticle, QStringLiteral("Location de la salle pour l'assemblée générale"), 1,
+           Money::fromCents(25000)}});
+
+    // A league's yearly subscription, made out on behalf of the league itself.
+    const InvoiceParty lr06 = league(s, QStringLiteral("LR06"));
+    const QString leagueNumber =
+        createInvoice(s, header(s, kLeagueIndex, day, lr06, lr06), today);
+    fill(s, leagueNumber, {article(s, QStringLiteral("00000010"), 1),
+                           article(s, QStringLiteral("00000012"), 40)});
+
+    // The committee's invoice is cancelled by a credit note.
+    InvoiceHeader credit = header(s, kMiscIndex, today, committee(s, QStringLiteral("013")), none);
+    credit.type = kCreditNoteType;
+    const QString creditNumber = createInvoice(s, credit, today);
+    removeLine(s, creditNumber, QStringLiteral("01"));
+    copyLines(s, miscNumber, creditNumber, -1, today);
+
+    // A regional day with one line per team: two pages.
+    const InvoiceParty lr44 = league(s, QStringLiteral("LR44"));
+    InvoiceHeader day44 = header(s, kRegionalDayIndex, day, lr44, lr44);
+    day44.competitionTitle = QStringLiteral("Journée régionale Pays de la Loire du ") +
+                             format::displayDate(day.addDays(-20));
+    const QString longNumber = createInvoice(s, day44, today);
+    std::vector<InvoiceLine> teams;
+    const Money fee = price(s, QStringLiteral("00000011")) ;
+    for (int i = 1; i <= 60; ++i)
+        teams.push_back({QStringLiteral("00000011"),
+                         QStringLiteral("Participation journée régionale - équipe %1").arg(i),
+                         1 + i % 3, Money::fromCents(fee.cents() / 10)});
+    fill(s, longNumber, teams);
+    tx.commit();
+}
+
+}  // namespace orve::invoicing

@@ -1,0 +1,541 @@
+#include "invoicing/InvoiceDocument.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QHash>
+#include <QImage>
+#include <QMutex>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QSettings>
+
+#include "app/Session.h"
+#include "store/Formats.h"
+#include "store/Refusal.h"
+
+namespace orve::invoicing {
+
+namespace {
+
+// Page and layout, in twips from the top left corner of an A4 page.
+constexpr int kPageWidth = 11906;
+constexpr int kPageHeight = 16838;
+constexpr int kLogoX = 500, kLogoY = 500, kLogoWidth = 2700;
+constexpr int kTitleX = 6000, kTitleY = 600;
+constexpr int kBlocksY = 2500;
+constexpr int kBilledX = 300;
+constexpr int kClientX = 5400;
+constexpr int kCompetitionX = 6300, kCompetitionY = 3000, kCompetitionStep = 400;
+constexpr int kLineStep = 300;
+constexpr int kTableLeft = 300, kTableRight = 10500;
+constexpr int kRules[] = {5300, 6600, 8100};
+constexpr int kHeadX[] = {1500, 5500, 7100, 8600};
+constexpr int kTextX = 500, kQuantityX = 6000, kUnitPriceRight = 7500, kAmountRight = 9500;
+constexpr int kFirstRowOffset = 500;  // from the heads to the first row
+constexpr int kLabelX = 7500, kTotalsRight = 10400, kTotalsStep = 400;
+constexpr int kNoticeX = 300;
+constexpr int kSlipX = 7800, kSlipY = 13300, kSlipWidth = 3500, kSlipHeight = 2000;
+constexpr int kFooterY = 15500, kFooterStep = 500;
+// The lowest a table may end: above the footer on a full page, above the
+// totals, notice and slip on the last one.
+constexpr int kLastTableBottom = 12000;
+constexpr int kFullTableBottom = 15200;
+constexpr int kNextPageHeadY = 2500;
+constexpr int kMinFirstHeadY = 5000;
+
+const QColor kBlue(0, 0, 255);
+const QColor kBlack(0, 0, 0);
+
+// Font sizes along the page.
+constexpr int kTitleSize = 12, kClientSize = 11, kBilledSize = 12, kCompetitionSize = 10,
+              kHeadSize = 10, kRowSize = 10, kTotalsSize = 12, kTermsSize = 10,
+              kNoticeSize = 8, kSlipSize = 10, kFooterNameSize = 14, kFooterSize = 12;
+
+// The metric twin of Times New Roman where it is installed; Times New Roman itself elsewhere.
+QString fontFamily() {
+    static const QString family = [] {
+        const QString twin = QStringLiteral("Liberation Serif");
+        if (QFontDatabase::families().contains(twin)) return twin;
+        for (const char* path : {"/usr/share/fonts/truetype/liberation2/LiberationSerif-Regular.ttf",
+                                 "/usr/share/fonts/truetype/liberation/LiberationSerif-Regular.ttf"}) {
+            const int id = QFontDatabase::addApplicationFont(QString::fromLatin1(path));
+            if (id >= 0) {
+                const QStringList fams = QFontDatabase::applicationFontFamilies(id);
+                if (!fams.isEmpty()) return fams.first();
+            }
+        }
+        return QStringLiteral("Times New Roman");
+    }();
+    return family;
+}
+
+// Pictures are read and reduced once per program run: each document embeds
+// them again, so their size is the cost of every document.
+QImage cachedImage(const QString& path, int width) {
+    static QMutex mutex;
+    static QHash<QString, QImage> cache;
+    const QString key = path + QChar('|') + QString::number(width);
+    QMutexLocker lock(&mutex);
+    auto it = cache.find(key);
+    if (it != cache.end()) return *it;
+    QImage image(path);
+    if (!image.isNull() && image.width() > width)
+        image = image.scaledToWidth(width, Qt::SmoothTransformation);
+    cache.insert(key, image);
+    return image;
+}
+
+QFont documentFont(int size) {
+    QFont f(fontFamily());
+    f.setPointSize(size);
+    f.setStyleStrategy(QFont::PreferOutline);
+    return f;
+}
+
+// Draws text whose top stands at y, as the layout gives positions.
+class Page {
+public:
+    explicit Page(QPainter& p) : m_p(p) {}
+    void font(int size, const QColor& colour = kBlack) {
+        m_p.setFont(documentFont(size));
+        m_p.setPen(colour);
+    }
+    void text(int x, int y, const QString& t) {
+        m_p.drawText(QPointF(x, y + m_p.fontMetrics().ascent()), t);
+    }
+    // Cut with an ellipsis so the text never runs over its column.
+    void textWithin(int x, int y, const QString& t, int width) {
+        text(x, y, m_p.fontMetrics().elidedText(t, Qt::ElideRight, width));
+    }
+    void rightAligned(int right, int y, const QString& t) {
+        text(right - m_p.fontMetrics().horizontalAdvance(t), y, t);
+    }
+    void centred(int y, const QString& t) {
+        text((kPageWidth - m_p.fontMetrics().horizontalAdvance(t)) / 2, y, t);
+    }
+    int width(const QString& t) const { return m_p.fontMetrics().horizontalAdvance(t); }
+    QPainter& painter() { return m_p; }
+
+private:
+    QPainter& m_p;
+};
+
+QString field(const store::Row& r, const char* name) { return r.value(QLatin1String(name)).toString(); }
+
+// Blank lines of an address are left out.
+QStringList nonBlank(std::initializer_list<QString> lines) {
+    QStringList out;
+    for (const QString& l : lines)
+        if (!l.trimmed().isEmpty()) out << l.trimmed();
+    return out;
+}
+
+int blockBottom(int firstY, int lineCount) { return firstY + lineCount * kLineStep + 250; }
+
+// Where the heads of the first page's table stand, under the address blocks.
+int firstHeadY(const InvoiceDocumentData& doc, bool client) {
+    const int billedBottom = blockBottom(kBlocksY, static_cast<int>(doc.billed.size()));
+    int competitionY = kCompetitionY;
+    int rightBottom = 0;
+    if (client) {
+        const int clientBottom = blockBottom(kBlocksY, static_cast<int>(doc.client.size()));
+        competitionY = std::max(kCompetitionY, clientBottom + 150);
+        rightBottom = clientBottom;
+    }
+    rightBottom = std::max(rightBottom, competitionY + 2 * kCompetitionStep + 250);
+    return std::max({kMinFirstHeadY, billedBottom + 400, rightBottom + 400});
+}
+
+void paintBackgroundAndTitle(Page& page, const InvoiceDocumentData& doc,
+                             const DocumentSettings& s) {
+    QPainter& p = page.painter();
+    if (!s.nationalLetterhead()) {
+        const QImage paper = cachedImage(s.letterhead.background, 620);
+        if (!paper.isNull()) p.drawImage(QRectF(0, 0, kPageWidth, kPageHeight), paper);
+    }
+    const QImage logo = cachedImage(s.letterhead.logo, 450);
+    if (!logo.isNull()) {
+        const int h = kLogoWidth * logo.height() / std::max(1, logo.width());
+        p.drawImage(QRectF(kLogoX, kLogoY, kLogoWidth, h), logo);
+    }
+    page.font(kTitleSize, kBlue);
+    page.text(kTitleX, kTitleY,
+              (doc.creditNote ? QStringLiteral("AVOIR N° BOW") : QStringLiteral("FACTURE N° BOW")) +
+                  doc.number + QStringLiteral(" du ") + doc.date);
+}
+
+void paintFooter(Page& page, const DocumentSettings& s) {
+    page.font(kFooterNameSize, kBlue);
+    page.centred(kFooterY, s.letterhead.name);
+    page.font(kFooterSize);
+    const QString line = s.letterhead.footerLine();
+    // A long address steps down rather than run off the page.
+    int size = kFooterSize;
+    while (size > 7 && page.width(line) > kTableRight - kTableLeft) page.font(--size);
+    page.centred(kFooterY + kFooterStep, line);
+}
+
+void paintTableFrame(Page& page, int headY, int rows) {
+    QPainter& p = page.painter();
+    const int top = headY - 150;
+    const int bottom = headY + kFirstRowOffset + rows * kLineStep;
+    p.setPen(QPen(kBlack, 15));
+    p.setBrush(Qt::NoBrush);
+    p.drawRect(QRect(kTableLeft, top, kTableRight - kTableLeft, bottom - top));
+    for (int x : kRules) p.drawLine(x, top, x, bottom);
+    p.drawLine(kTableLeft, headY + 350, kTableRight, headY + 350);
+    page.font(kHeadSize);
+    const QString heads[] = {QStringLiteral("DESIGNATION"), QStringLiteral("Quantité"),
+                             QStringLiteral("P.U."), QStringLiteral("Montant HT")};
+    for (int i = 0; i < 4; ++i) page.text(kHeadX[i], headY, heads[i]);
+}
+
+void paintRows(Page& page, int headY, const std::vector<StoredLine>& lines, size_t from,
+               size_t count) {
+    page.font(kRowSize);
+    for (size_t i = 0; i < count; ++i) {
+        const StoredLine& l = lines[from + i];
+        const int y = headY + kFirstRowOffset + static_cast<int>(i) * kLineStep;
+        page.textWithin(kTextX, y, l.text, kRules[0] - kTextX - 100);
+        // A free-text line carries only its text and its amount.
+        if (l.article != kFreeTextArticle) {
+            page.text(kQuantityX, y, format::countPlain(l.quantity));
+            page.rightAligned(kUnitPriceRight, y, format::amountEuroPlain(l.unitPrice));
+        }
+        page.rightAligned(kAmountRight, y, format::amountEuro(l.amount));
+    }
+}
+
+void paintAddresses(Page& page, const InvoiceDocumentData& doc, bool client) {
+    int competitionY = kCompetitionY;
+    if (client) {
+        page.font(kClientSize);
+        page.textWithin(kClientX, kBlocksY,
+                        QStringLiteral("Client concerné : ") + doc.clientAccount,
+                        kPageWidth - kClientX - 400);
+        int y = kBlocksY;
+        for (const QString& l : doc.client) page.textWithin(kClientX, y += kLineStep, l, kPageWidth - kClientX - 400);
+        competitionY = std::max(kCompetitionY, blockBottom(kBlocksY, int(doc.client.size())) + 150);
+    }
+    page.font(kBilledSize);
+    page.text(kBilledX, kBlocksY, QStringLiteral("Adresse de facturation :  "));
+    int y = kBlocksY;
+    for (const QString& l : doc.billed) page.textWithin(kBilledX, y += kLineStep, l, kClientX - kBilledX - 200);
+
+    page.font(kCompetitionSize, kBlue);
+    page.text(kCompetitionX, competitionY, QStringLiteral("Discipline : Bowling"));
+    page.font(kCompetitionSize);
+    const int width = kPageWidth - kCompetitionX - 300;
+    page.textWithin(kCompetitionX, competitionY + kCompetitionStep,
+                    QStringLiteral("Compétition : ") + doc.competitionTitle + QStringLiteral(" du ") +
+                        doc.competitionDate,
+                    width);
+    page.textWithin(kCompetitionX, competitionY + 2 * kCompetitionStep,
+                    QStringLiteral("N° Interne : ") +
+                        QStringList{QStringLiteral("BW"), doc.season, doc.code1, doc.code2}.join(
+                            QChar('-')),
+                    width);
+}
+
+void paintTotalsAndSlip(Page& page, const InvoiceDocumentData& doc, int tableBottom,
+                        const Letterhead& head) {
+    QPainter& p = page.painter();
+    const Money total = doc.total();
+    const Money net = doc.creditNote ? total : total - doc.deposit;
+    const int t = tableBottom + 100;
+    // The sum closes the amount column.
+    p.setPen(QPen(kBlack, 15));
+    p.drawRect(QRect(kRules[2], tableBottom, kTableRight - kRules[2], 400));
+    page.font(kTotalsSize);
+    page.rightAligned(kAmountRight, t, format::amountEuro(total));
+    int y = t;
+    if (!doc.creditNote) {
+        page.text(kLabelX, y += kTotalsStep, QStringLiteral("Acompte versé :"));
+        page.rightAligned(kTotalsRight, y, format::amountEuro(doc.deposit));
+    }
+    page.text(kLabelX, y += kTotalsStep, QStringLiteral("Net à Payer :"));
+    page.rightAligned(kTotalsRight, y, format::amountEuro(net));
+
+    page.font(kTermsSize);
+    page.text(kNoticeX, t + 300, QStringLiteral("TVA NON APPLICABLE"));
+    page.text(kNoticeX, t + 550, QStringLiteral("Mode de règlement : à réception"));
+    page.text(kNoticeX, t + 800, QStringLiteral("Date échéance : ") + doc.dueDate);
+
+    if (!doc.creditNote) {
+        page.font(kNoticeSize, kBlue);
+        page.text(kNoticeX, t + 1500,
+                  QStringLiteral("Les Règlements sont à effectuer à l'ordre de la K.V.A.R.N."));
+        page.font(kNoticeSize);
+        page.text(kNoticeX, t + 1800, QStringLiteral("GAGNEZ DU TEMPS ! Règlez par virement bancaire."));
+        page.text(kNoticeX, t + 2100, QStringLiteral("Domiciliation : ") + head.bank);
+        page.text(kNoticeX, t + 2400, QStringLiteral("IBAN : ") + head.iban);
+        page.text(kNoticeX, t + 2700, QStringLiteral("BIC : ") + head.bic);
+    }
+
+    p.setPen(QPen(kBlack, 15));
+    p.setBrush(Qt::NoBrush);
+    p.drawRect(QRect(kSlipX, kSlipY, kSlipWidth, kSlipHeight));
+    page.font(kSlipSize);
+    const int x = kSlipX + 100;
+    const int w = kSlipWidth - 200;
+    page.textWithin(x, kSlipY + 150, QStringLiteral("Coupon à joindre à votre règlement"), w);
+    page.textWithin(x, kSlipY + 500, QStringLiteral("Client : ") + doc.billedName, w);
+    page.textWithin(x, kSlipY + 800,
+                    (doc.creditNote ? QStringLiteral("Avoir N° : ") : QStringLiteral("Facture N° : ")) +
+                        doc.number,
+                    w);
+    page.textWithin(x, kSlipY + 1100, QStringLiteral("Date facture : ") + doc.date, w);
+    page.textWithin(x, kSlipY + 1400, QStringLiteral("Date échéance : ") + doc.dueDate, w);
+    page.textWithin(x, kSlipY + 1700, QStringLiteral("Montant : ") + format::amountEuro(net), w);
+}
+
+// Writes a document to its final name without ever leaving half a file there.
+void writePdf(const QString& path, const InvoiceDocumentData& doc, const DocumentSettings& s) {
+    const QString folder = QFileInfo(path).absolutePath();
+    if (!QDir().mkpath(folder))
+        throw StoreError(QStringLiteral("Impossible de créer le dossier des factures %1.")
+                             .arg(QDir::toNativeSeparators(folder)));
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        throw StoreError(QStringLiteral("Impossible d'écrire le fichier %1 : %2")
+                             .arg(QDir::toNativeSeparators(path), file.errorString()));
+    {
+        QPdfWriter writer(&file);
+        writer.setResolution(1440);
+        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
+                                         QMarginsF(0, 0, 0, 0)));
+        writer.setTitle((doc.creditNote ? QStringLiteral("Avoir N° ") : QStringLiteral("Facture N° ")) +
+                        doc.number);
+        writer.setCreator(QStringLiteral("ORVE"));
+        QPainter painter;
+        if (!painter.begin(&writer))
+            throw StoreError(QStringLiteral("Impossible de produire le document %1.")
+                                 .arg(QDir::toNativeSeparators(path)));
+        paintInvoiceDocument(painter, writer, doc, s);
+        painter.end();
+    }
+    if (!file.commit())
+        throw StoreError(QStringLiteral("Impossible d'écrire le fichier %1 : %2")
+                             .arg(QDir::toNativeSeparators(path), file.errorString()));
+}
+
+InvoiceDocumentData fromHeader(const store::Store& store, const store::Row& h) {
+    InvoiceDocumentData d;
+    d.number = field(h, "ent_fact_no").trimmed();
+    d.creditNote = field(h, "ent_fact_type").trimmed() == kCreditNoteType;
+    d.date = field(h, "ent_fact_date").trimmed();
+    d.dueDate = field(h, "ent_fact_echeance").trimmed();
+    d.account = field(h, "ent_tiers_fact").trimmed();
+    d.entity = field(h, "ent_fact_entite").trimmed();
+    d.billedName = field(h, "ent_fact_lib").trimmed();
+    d.billed = nonBlank({field(h, "ent_fact_lib"), field(h, "ent_fact_president"),
+                         field(h, "ent_fact_ad1"), field(h, "ent_fact_ad2"), field(h, "ent_fact_ad3"),
+                         field(h, "ent_fact_ad4"), field(h, "ent_fact_cp_ville")});
+    d.clientAccount = field(h, "ent_tiers_clt").trimmed();
+    if (d.clientAccount.isEmpty()) d.clientAccount = field(h, "ent_clt_entite").trimmed();
+    d.client = nonBlank({field(h, "ent_clt_lib"), field(h, "ent_clt_president"),
+                         field(h, "ent_clt_ad1"), field(h, "ent_clt_ad2"), field(h, "ent_clt_ad3"),
+                         field(h, "ent_clt_ad4"), field(h, "ent_clt_cp_ville")});
+    d.competitionTitle = field(h, "ent_fact_competition").trimmed();
+    d.deposit = Money::fromVariant(h.value("ent_acompte"));
+    if (const auto c = store.selectOne(
+            QStringLiteral("SELECT c_date_finale, c_saison, c_cod1, c_cod2 FROM strcompetition "
+                           "WHERE c_index = ? LIMIT 1"),
+            {field(h, "ent_c_index").trimmed()})) {
+        d.competitionDate = c->value(0).toString().trimmed();
+        d.season = c->value(1).toString().trimmed();
+        d.code1 = c->value(2).toString().trimmed();
+        d.code2 = c->value(3).toString().trimmed();
+    }
+    d.lines = readLines(store, d.number);
+    return d;
+}
+
+}  // namespace
+
+Letterhead Letterhead::fromSettings(const QString& iniPath) {
+    Letterhead l;
+    QSettings ini(iniPath, QSettings::IniFormat);
+    ini.beginGroup(QStringLiteral("federation"));
+    l.name = ini.value("nom", l.name).toString();
+    l.address = ini.value("adresse").toString();
+    l.telephone = ini.value("telephone").toString();
+    l.fax = ini.value("fax").toString();
+    l.registration = ini.value("siret").toString();
+    l.bank = ini.value("banque").toString();
+    l.iban = ini.value("iban").toString();
+    l.bic = ini.value("bic").toString();
+    // A logo file named relative to the program folder.
+    const QString logo = ini.value("logo").toString().trimmed();
+    if (!logo.isEmpty())
+        l.logo = logo.startsWith(QChar(':')) ? logo
+                                             : QDir(QFileInfo(iniPath).absolutePath()).absoluteFilePath(
+                                                   QDir::fromNativeSeparators(logo));
+    ini.endGroup();
+    ini.beginGroup(QStringLiteral("documents"));
+    l.printer = ini.value("imprimante").toString().trimmed();
+    l.openPdf = ini.value("ouvrir_pdf", false).toBool();
+    ini.endGroup();
+    return l;
+}
+
+QString Letterhead::footerLine() const {
+    QStringList parts;
+    if (!address.trimmed().isEmpty()) parts << address.trimmed();
+    if (!telephone.trimmed().isEmpty()) parts << QStringLiteral("Tél. : ") + telephone.trimmed();
+    if (!fax.trimmed().isEmpty()) parts << QStringLiteral("Fax : ") + fax.trimmed();
+    if (!registration.trimmed().isEmpty()) parts << registration.trimmed();
+    return parts.join(QStringLiteral(" - "));
+}
+
+bool DocumentSettings::committeeOperator() const {
+    return operatorLogin.startsWith(QStringLiteral("CD"), Qt::CaseInsensitive) ||
+           operatorLeague.startsWith(QStringLiteral("CD"), Qt::CaseInsensitive);
+}
+
+DocumentSettings documentSettings(const app::Session& session) {
+    DocumentSettings s;
+    s.invoiceFolder = session.invoiceFolder();
+    s.letterhead = Letterhead::fromSettings(session.settingsPath());
+    s.operatorLogin = session.user().login;
+    s.operatorLeague = session.user().league;
+    return s;
+}
+
+Money InvoiceDocumentData::total() const {
+    Money sum;
+    for (const auto& l : lines) sum += l.amount;
+    return sum;
+}
+
+InvoiceDocumentData loadInvoiceDocument(const store::Store& store, const QString& number) {
+    const auto header = store.selectOne(
+        QStringLiteral("SELECT * FROM strentete WHERE ent_fact_no = ?"),
+        {QString::number(format::leadingNumber(number))});
+    if (!header) throw Refusal(QStringLiteral("La facture N° %1 n'existe pas.").arg(number.trimmed()));
+    InvoiceDocumentData d = fromHeader(store, *header);
+    if (d.lines.empty()) throw Refusal(QStringLiteral("aucune ligne sur cette facture"));
+    return d;
+}
+
+bool showsClientBlock(const QString& account, const DocumentSettings& s) {
+    const QString a = account.trimmed().toUpper();
+    if (a.startsWith(QStringLiteral("CD")) || a.startsWith(QStringLiteral("CL")) ||
+        a.startsWith(QStringLiteral("BOW")))
+        return false;
+    return !s.committeeOperator();
+}
+
+QString invoicePdfPath(const QString& invoiceFolder, const QString& account, const QString& entity,
+                       const QString& number) {
+    const QString party = entity.trimmed().isEmpty() ? account.trimmed() : entity.trimmed();
+    return QDir(QDir::fromNativeSeparators(invoiceFolder))
+        .filePath(party + QStringLiteral("_FN_") + paddedInvoiceNumber(number) +
+                  QStringLiteral(".pdf"));
+}
+
+std::vector<int> paginateLines(int lineCount, int firstPageHeadY) {
+    std::vector<int> pages;
+    int remaining = lineCount;
+    int headY = firstPageHeadY;
+    auto capacity = [&](int bottom) {
+        return std::max(1, (bottom - headY - kFirstRowOffset) / kLineStep);
+    };
+    while (true) {
+        const int last = capacity(kLastTableBottom);
+        if (remaining <= last) {
+            pages.push_back(remaining);
+            return pages;
+        }
+        // Fill the page, but carry a few lines over to stand above the totals.
+        const int take = std::min(capacity(kFullTableBottom), remaining - std::min(5, remaining - 1));
+        pages.push_back(take);
+        remaining -= take;
+        headY = kNextPageHeadY;
+    }
+}
+
+void paintInvoiceDocument(QPainter& painter, QPagedPaintDevice& device,
+                          const InvoiceDocumentData& doc, const DocumentSettings& s) {
+    Page page(painter);
+    const bool client = showsClientBlock(doc.account, s);
+    const int headY = firstHeadY(doc, client);
+    const std::vector<int> pages = paginateLines(static_cast<int>(doc.lines.size()), headY);
+    size_t from = 0;
+    for (size_t i = 0; i < pages.size(); ++i) {
+        if (i > 0) device.newPage();
+        paintBackgroundAndTitle(page, doc, s);
+        const int y = i == 0 ? headY : kNextPageHeadY;
+        if (i == 0) paintAddresses(page, doc, client);
+        paintTableFrame(page, y, pages[i]);
+        paintRows(page, y, doc.lines, from, static_cast<size_t>(pages[i]));
+        from += static_cast<size_t>(pages[i]);
+        if (i + 1 == pages.size())
+            paintTotalsAndSlip(page, doc, y + kFirstRowOffset + pages[i] * kLineStep, s.letterhead);
+        paintFooter(page, s);
+    }
+}
+
+QString generateInvoicePdf(store::Store& store, const DocumentSettings& settings,
+                           const QString& number) {
+    const InvoiceDocumentData doc = loadInvoiceDocument(store, number);
+    const QString path = invoicePdfPath(settings.invoiceFolder, doc.account, doc.entity, doc.number);
+    writePdf(path, doc, settings);
+    store::Transaction tx(store);
+    store.update(QStringLiteral("strentete"),
+                 {{"ent_fact_edt", "O"}, {"ent_montant", QVariant::fromValue<qint64>(doc.total().cents())}},
+                 QStringLiteral("ent_fact_no = ?"), {doc.number});
+    store.update(QStringLiteral("strcompetition"),
+                 {{"c_facture", "F"}, {"c_edt_fact", "OUI"}, {"c_add_tiers", "N"}, {"c_envoi_mail", "N"}},
+                 QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {doc.number});
+    tx.commit();
+    return path;
+}
+
+std::vector<QString> generateCreditNotePdfs(store::Store& store, const DocumentSettings& settings,
+                                            const QString& first, const QString& last) {
+    const auto headers = store.select(
+        QStringLiteral("SELECT ent_fact_no FROM strentete WHERE CAST(ent_fact_no AS INTEGER) "
+                       "BETWEEN ? AND ? AND ent_fact_type = ? ORDER BY CAST(ent_fact_no AS INTEGER)"),
+        {format::leadingNumber(first), format::leadingNumber(last), kCreditNoteType});
+    std::vector<QString> written;
+    for (const auto& h : headers) {
+        const InvoiceDocumentData doc = loadInvoiceDocument(store, h.value(0).toString());
+        const QString path =
+            invoicePdfPath(settings.invoiceFolder, doc.account, doc.entity, doc.number);
+        writePdf(path, doc, settings);
+        store::Transaction tx(store);
+        store.update(QStringLiteral("strentete"), {{"ent_fact_edt", "O"}},
+                     QStringLiteral("ent_fact_no = ?"), {doc.number});
+        tx.commit();
+        written.push_back(path);
+    }
+    return written;
+}
+
+int findPrinter(const QStringList& printerNames, const QString& name) {
+    // "*" any run of characters, "?" one character; everything else literally.
+    QString pattern;
+    for (const QChar c : name.toLower()) {
+        if (c == QChar('*')) pattern += QStringLiteral(".*");
+        else if (c == QChar('?')) pattern += QChar('.');
+        else pattern += QRegularExpression::escape(QString(c));
+    }
+    const QRegularExpression re(QRegularExpression::anchoredPattern(pattern),
+                                QRegularExpression::CaseInsensitiveOption |
+                                    QRegularExpression::DotMatchesEverythingOption);
+    for (int i = 0; i < printerNames.size(); ++i)
+        if (re.match(printerNames[i].toLower()).hasMatch()) return i;
+    return -1;
+}
+
+QString printerNotFoundMessage(const QString& name) {
+    return QStringLiteral("No printer was found by the name of '") + name + QStringLiteral("'.");
+}
+
+}  // namespace orve::invoicing

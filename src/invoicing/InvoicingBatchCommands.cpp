@@ -1,0 +1,43 @@
+#include <QDir>
+
+#include "app/BatchCommands.h"
+#include "invoicing/InvoiceDocument.h"
+#include "invoicing/InvoicingBatch.h"
+#include "store/Refusal.h"
+
+namespace orve::invoicing {
+
+namespace {
+
+const QString kUsage = QStringLiteral("pdf NUMERO... | pdf --credit-notes PREMIER DERNIER");
+
+int pdf(app::BatchContext& c) {
+    const QStringList numbers = c.positional({QStringLiteral("--credit-notes")});
+    app::Session& session = c.session();
+    const DocumentSettings settings = documentSettings(session);
+    if (c.hasFlag(QStringLiteral("--credit-notes"))) {
+        if (numbers.size() != 2)
+            throw Refusal(QStringLiteral("Argument manquant. Usage : orve-batch %1").arg(kUsage));
+        const auto written = generateCreditNotePdfs(session.store(), settings, numbers[0], numbers[1]);
+        for (const QString& path : written)
+            c.out() << "document écrit : " << QDir::toNativeSeparators(path) << "\n";
+        c.out() << written.size() << " avoir(s) édité(s)\n";
+        return 0;
+    }
+    if (numbers.isEmpty())
+        throw Refusal(QStringLiteral("Argument manquant. Usage : orve-batch %1").arg(kUsage));
+    for (const QString& number : numbers) {
+        const QString path = generateInvoicePdf(session.store(), settings, number);
+        c.out() << "document écrit : " << QDir::toNativeSeparators(path) << "\n";
+        c.out().flush();
+    }
+    return 0;
+}
+
+}  // namespace
+
+void registerInvoicingBatchCommands(app::BatchRegistry& r) {
+    r.add({QStringLiteral("pdf"), kUsage + QStringLiteral(" [--as LOGIN]"), pdf});
+}
+
+}  // namespace orve::invoicing

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+#include "invoicing/InvoiceDocument.h"
+
+namespace orve::app {
+class Session;
+}
+
+namespace orve::invoicing {
+
+// What a screen does with one invoice's document: checks the printer named
+// in orve.ini first (nothing is made when it is missing), writes the PDF and
+// marks the records, sends the document to that printer, and opens the file
+// in the desktop's PDF viewer when orve.ini asks for it. Returns the file.
+// Throws Refusal ("No printer was found by the name of '…'.",
+// "aucune ligne sur cette facture") or StoreError.
+QString produceInvoiceDocument(app::Session& session, const QString& number);
+
+// Paints a document on the named printer (found by wildcard, without regard
+// to case). Throws Refusal when no printer has that name.
+void printInvoiceDocument(const QString& printerName, const InvoiceDocumentData& doc,
+                          const DocumentSettings& settings);
+
+}  // namespace orve::invoicing
