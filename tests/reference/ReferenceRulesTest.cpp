@@ -37,7 +37,7 @@ const Viewer kCommittee{"CD13", "13", "D1"};
 
 }  // namespace
 
-TEST(Visibility, EachKindOfUserSeesItsOwnParties) {
+TEST(ReferenceVisibility, EachKindOfUserSeesItsOwnParties) {
     test::TestInstall install;
     auto session = install.start();
     auto& s = session->store();
@@ -70,7 +70,7 @@ TEST(Visibility, EachKindOfUserSeesItsOwnParties) {
     EXPECT_TRUE(committees::list(s, Viewer{"x", "LR06' or '1'='1", "D1"}).empty());
 }
 
-TEST(Codes, NumbersKeysAndItems) {
+TEST(ReferenceCodes, NumbersKeysAndItems) {
     EXPECT_EQ(formatNumber("5", 3), "005");
     EXPECT_EQ(formatNumber(" 0013 ", 3), "013");
     EXPECT_EQ(formatNumber("LR06", 2), "LR06");
@@ -88,7 +88,7 @@ TEST(Codes, NumbersKeysAndItems) {
     EXPECT_EQ(articles::checkAccount("70a").text, "70a");
 }
 
-TEST(Leagues, CsrInvoicingNeedsNameAndMail) {
+TEST(ReferenceLeagues, CsrInvoicingNeedsNameAndMail) {
     test::TestInstall install;
     auto session = install.start();
     auto& s = session->store();
@@ -106,7 +106,7 @@ TEST(Leagues, CsrInvoicingNeedsNameAndMail) {
     EXPECT_EQ(row->value("re_date_enreg").toString(), "03/12/2026");
 }
 
-TEST(Committees, EntityLookUpsAndSave) {
+TEST(ReferenceCommittees, EntityLookUpsAndSave) {
     test::TestInstall install;
     auto session = install.start();
     auto& s = session->store();
@@ -129,7 +129,7 @@ TEST(Committees, EntityLookUpsAndSave) {
     EXPECT_EQ(committees::cardCaption(*row), "FICHE DU COMITE DEPARTEMENTAL : 006 - Alpes-Maritimes; l'\"azur\"");
 }
 
-TEST(Centres, ApprovalDateLanesAndType) {
+TEST(ReferenceCentres, ApprovalDateLanesAndType) {
     test::TestInstall install;
     auto session = install.start();
     auto& s = session->store();
@@ -159,7 +159,7 @@ TEST(Centres, ApprovalDateLanesAndType) {
     EXPECT_EQ(centres::find(s, "BOW0832")->value("b_pistes").toInt(), 18);
 }
 
-TEST(Clubs, AddBuildsTheKeyAndRefusesDuplicates) {
+TEST(ReferenceClubs, AddBuildsTheKeyAndRefusesDuplicates) {
     test::TestInstall install;
     auto session = install.start();
     auto& s = session->store();
@@ -190,7 +190,7 @@ TEST(Clubs, AddBuildsTheKeyAndRefusesDuplicates) {
     EXPECT_EQ(clubs::departmentItems(s, kLeagueD1).size(), 3u);
 }
 
-TEST(Articles, NumberingNaturesAndTariffs) {
+TEST(ReferenceArticles, NumberingNaturesAndTariffs) {
     test::TestInstall install;
     auto session = install.start();
     auto& s = session->store();
@@ -219,13 +219,13 @@ TEST(Articles, NumberingNaturesAndTariffs) {
     EXPECT_EQ(column(prices, "t_tarif"), (QStringList{"1305", "300"}));
 }
 
-TEST(Articles, FirstArticleOfAnEmptyTable) {
+TEST(ReferenceArticles, FirstArticleOfAnEmptyTable) {
     test::TestInstall install(test::TestInstall::Kind::Empty);
     auto session = install.start();
     EXPECT_EQ(articles::add(session->store(), {"Premier", "LIC", "1", ""}), "00000001");
 }
 
-TEST(Natures, SavePushesOptionsIntoEveryCompetitionOfTheNature) {
+TEST(ReferenceNatures, SavePushesOptionsIntoEveryCompetitionOfTheNature) {
     test::TestInstall install;
     auto session = install.start();
     auto& s = session->store();
