@@ -21,8 +21,8 @@ ORVE_ges_naturec::ORVE_ges_naturec(app::Session& session, app::Dialogs& dialogs,
     auto* note = new QLabel(QStringLiteral("NATURE DE COMPETITION = CODE ANALYTIQUE 1 DE LA COMPTA"), this);
     note->setObjectName(QStringLiteral("Label1"));
     note->setAlignment(Qt::AlignCenter);
-    mainLayout()->insertWidget(0, note);
     setGridCaption(QStringLiteral("NATURE DES COMPETITION"));
+    mainLayout()->insertWidget(0, note);
     grid()->setColumns({{QStringLiteral("Code"), "n_code", Kind::Text},
                         {QStringLiteral("Libelle"), "n_libelle", Kind::Text},
                         {QStringLiteral("Engt/Réel"), "n_fact", Kind::Text},

@@ -33,11 +33,11 @@ ORVE_tiers_club::ORVE_tiers_club(app::Session& session, app::Dialogs& dialogs, Q
     addRow(QStringLiteral(" Numéro du club : "), {m_number, m_code});
     m_league = new QComboBox(card());
     m_league->setObjectName(QStringLiteral("Combo11"));
-    m_leagueCode = readOnlyBox("txt_region", 70);
+    m_leagueCode = readOnlyBox("txt_region", 90);
     addRow(QStringLiteral("Ligue Régionale : "), {m_league, m_leagueCode});
     m_department = new QComboBox(card());
     m_department->setObjectName(QStringLiteral("Combo12"));
-    m_departmentCode = readOnlyBox("txt_dept", 70);
+    m_departmentCode = readOnlyBox("txt_dept", 90);
     addRow(QStringLiteral("Département : "), {m_department, m_departmentCode});
     m_district = textBox("txt_district", 60);
     addRow(QStringLiteral("       N° District : "), {m_district});

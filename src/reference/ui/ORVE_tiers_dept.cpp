@@ -90,6 +90,7 @@ void ORVE_tiers_dept::lookUpLeague(bool tell) {
     run([&] {
         const auto found = committees::lookUpLeague(store(), m_league->text());
         m_leagueName->setText(found.name);
+        m_leagueName->setCursorPosition(0);
         if (tell && !found.message.isEmpty()) dialogs().inform(found.message);
     });
 }
@@ -98,6 +99,7 @@ void ORVE_tiers_dept::lookUpEntity(bool tell) {
     run([&] {
         const auto found = committees::lookUpEntity(store(), {committeeEntity(), m_entity->text()});
         m_entityName->setText(found.name);
+        m_entityName->setCursorPosition(0);
         if (tell && !found.message.isEmpty()) dialogs().inform(found.message);
     });
 }

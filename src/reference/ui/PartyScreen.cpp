@@ -1,7 +1,9 @@
 #include "reference/ui/PartyScreen.h"
 
+#include <QComboBox>
 #include <QFont>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QVBoxLayout>
 
 #include "app/ui/ScreenSupport.h"
@@ -16,6 +18,7 @@ PartyScreen::PartyScreen(app::Session& session, app::Dialogs& dialogs, QWidget* 
     m_main = new QVBoxLayout(this);
     m_grid = new app::DataGrid(QStringLiteral("DBGrid1"), this);
     m_grid->setMinimumHeight(160);
+    m_grid->horizontalHeader()->setStretchLastSection(true);
     m_main->addWidget(m_grid, 1);
     m_card = new QGroupBox(cardTitle, this);
     m_card->setObjectName(QStringLiteral("Frame1"));
@@ -25,7 +28,6 @@ PartyScreen::PartyScreen(app::Session& session, app::Dialogs& dialogs, QWidget* 
     auto* cardLayout = new QVBoxLayout(m_card);
     m_form = new QGridLayout;
     m_form->setColumnStretch(1, 1);
-    m_form->setColumnStretch(3, 1);
     m_form->setHorizontalSpacing(8);
     cardLayout->addLayout(m_form);
     m_buttons = new QHBoxLayout;
@@ -44,6 +46,17 @@ void PartyScreen::start() {
     m_buttons->addStretch(1);
     m_buttons->addWidget(m_validate);
     m_buttons->addWidget(m_cancel);
+    // Tab goes from the list to the window's own buttons, down the card, then
+    // to Valider and Annuler.
+    std::vector<QWidget*> order{m_grid};
+    order.insert(order.end(), m_extraButtons.begin(), m_extraButtons.end());
+    for (QWidget* w : m_card->findChildren<QWidget*>())
+        if ((w->focusPolicy() & Qt::TabFocus) && w->window() == this && w != m_validate &&
+            w != m_cancel && !qobject_cast<QComboBox*>(w->parentWidget()))
+            order.push_back(w);
+    order.push_back(m_validate);
+    order.push_back(m_cancel);
+    for (size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
     // Captions and boxes of the card are plain; only its title is bold.
     for (QWidget* w : m_card->findChildren<QWidget*>()) {
         QFont f = w->font();
@@ -59,6 +72,7 @@ void PartyScreen::chooseRow(int row) {
         m_adding = false;
         m_key = key;
         showRecord(key);
+        showStarts();
         m_card->show();
     });
 }
@@ -73,6 +87,11 @@ void PartyScreen::cancel() {
     m_key.clear();
     run([&] { m_grid->setRows(loadRows()); });
     afterCancel();
+}
+
+void PartyScreen::showStarts() {
+    // A long value shows its beginning, not its end, like a name or a mail.
+    for (QLineEdit* box : findChildren<QLineEdit*>()) box->setCursorPosition(0);
 }
 
 void PartyScreen::setGridCaption(const QString& caption) {
@@ -91,7 +110,7 @@ void PartyScreen::setGridCaption(const QString& caption) {
 QLineEdit* PartyScreen::textBox(const QString& name, int width) {
     auto* box = new QLineEdit(m_card);
     box->setObjectName(name);
-    if (width > 0) box->setMaximumWidth(width);
+    if (width > 0) box->setFixedWidth(width);
     return box;
 }
 
@@ -113,6 +132,8 @@ QLineEdit* PartyScreen::readOnlyBox(const QString& name, int width) {
 
 void PartyScreen::addRow(const QString& label, std::initializer_list<QWidget*> controls, int column) {
     const int row = m_nextRow[column]++;
+    // A card in two halves shares the width; a card in one takes it all.
+    if (column == 1) m_form->setColumnStretch(3, 1);
     if (!label.isEmpty()) {
         auto* caption = new QLabel(label, m_card);
         caption->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -137,12 +158,16 @@ std::vector<QRadioButton*> PartyScreen::optionGroup(const QString& name, const Q
         layout->addWidget(b);
         buttons.push_back(b);
     }
+    // Choices sit side by side, not spread across the card.
+    if (!qobject_cast<QGroupBox*>(container))
+        container->setMaximumWidth(container->sizeHint().width() + 24);
     return buttons;
 }
 
 QPushButton* PartyScreen::button(const QString& name, const QString& caption) {
     auto* b = new QPushButton(caption, this);
     b->setObjectName(name);
+    m_extraButtons.push_back(b);
     return b;
 }
 

@@ -65,6 +65,8 @@ protected:
                                            QWidget* container);
     QPushButton* button(const QString& name, const QString& caption);
 
+    // Puts every box back at the start of its text.
+    void showStarts();
     void fillBound(const Card& card);
     Card readBound() const;
     void clearBound();
@@ -98,6 +100,7 @@ private:
     QPushButton* m_cancel;
     int m_nextRow[2] = {0, 0};
     std::vector<std::pair<QLineEdit*, QString>> m_bound;
+    std::vector<QWidget*> m_extraButtons;
     QString m_key;
     bool m_adding = false;
 };
