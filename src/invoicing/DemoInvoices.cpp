@@ -139,8 +139,8 @@ void createDemoInvoices(store::Store& s, const QDate& today) {
                              format::displayDate(day.addDays(-20));
     const QString longNumber = createInvoice(s, day44, today);
     std::vector<InvoiceLine> teams;
-    const Money fee = price(s, QStringLiteral("00000011")) ;
-    for (int i = 1; i <= 60; ++i)
+    const Money fee = price(s, QStringLiteral("00000011"));
+    for (int i = 1; i <= 45; ++i)
         teams.push_back({QStringLiteral("00000011"),
                          QStringLiteral("Participation journée régionale - équipe %1").arg(i),
                          1 + i % 3, Money::fromCents(fee.cents() / 10)});

@@ -1,6 +1,7 @@
 #include "invoicing/InvoiceDocument.h"
 
 #include <QDir>
+#include <filesystem>
 #include <QFile>
 #include <QFileInfo>
 #include <QFontDatabase>
@@ -11,7 +12,6 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QSettings>
 
 #include "app/Session.h"
@@ -86,14 +86,27 @@ QImage cachedImage(const QString& path, int width) {
     QImage image(path);
     if (!image.isNull() && image.width() > width)
         image = image.scaledToWidth(width, Qt::SmoothTransformation);
+    // Laid on white: an image without transparency is embedded once, not twice.
+    if (!image.isNull() && image.hasAlphaChannel()) {
+        QImage flat(image.size(), QImage::Format_RGB32);
+        flat.fill(Qt::white);
+        QPainter p(&flat);
+        p.drawImage(0, 0, image);
+        p.end();
+        image = flat;
+    }
     cache.insert(key, image);
     return image;
 }
 
+// Outlines only: hinting is for screens, and running the font's hinting
+// program for every glyph of every document is most of a document's cost.
 QFont documentFont(int size) {
     QFont f(fontFamily());
     f.setPointSize(size);
-    f.setStyleStrategy(QFont::PreferOutline);
+    f.setStyleStrategy(QFont::StyleStrategy(QFont::PreferOutline | QFont::ForceOutline));
+    f.setHintingPreference(QFont::PreferNoHinting);
+    f.setKerning(false);
     return f;
 }
 
@@ -158,7 +171,7 @@ void paintBackgroundAndTitle(Page& page, const InvoiceDocumentData& doc,
         const QImage paper = cachedImage(s.letterhead.background, 620);
         if (!paper.isNull()) p.drawImage(QRectF(0, 0, kPageWidth, kPageHeight), paper);
     }
-    const QImage logo = cachedImage(s.letterhead.logo, 450);
+    const QImage logo = cachedImage(s.letterhead.logo, 420);
     if (!logo.isNull()) {
         const int h = kLogoWidth * logo.height() / std::max(1, logo.width());
         p.drawImage(QRectF(kLogoX, kLogoY, kLogoWidth, h), logo);
@@ -294,16 +307,22 @@ void paintTotalsAndSlip(Page& page, const InvoiceDocumentData& doc, int tableBot
     page.textWithin(x, kSlipY + 1700, QStringLiteral("Montant : ") + format::amountEuro(net), w);
 }
 
-// Writes a document to its final name without ever leaving half a file there.
+// Writes a document beside its final name, then renames it over the older
+// one: the final name never holds half a file.
 void writePdf(const QString& path, const InvoiceDocumentData& doc, const DocumentSettings& s) {
     const QString folder = QFileInfo(path).absolutePath();
     if (!QDir().mkpath(folder))
         throw StoreError(QStringLiteral("Impossible de créer le dossier des factures %1.")
                              .arg(QDir::toNativeSeparators(folder)));
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        throw StoreError(QStringLiteral("Impossible d'écrire le fichier %1 : %2")
-                             .arg(QDir::toNativeSeparators(path), file.errorString()));
+    const QString part = path + QStringLiteral(".part");
+    QFile file(part);
+    auto failed = [&](const QString& why) {
+        file.close();
+        QFile::remove(part);
+        return StoreError(QStringLiteral("Impossible d'écrire le fichier %1 : %2")
+                              .arg(QDir::toNativeSeparators(path), why));
+    };
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) throw failed(file.errorString());
     {
         QPdfWriter writer(&file);
         writer.setResolution(1440);
@@ -313,15 +332,19 @@ void writePdf(const QString& path, const InvoiceDocumentData& doc, const Documen
                         doc.number);
         writer.setCreator(QStringLiteral("ORVE"));
         QPainter painter;
-        if (!painter.begin(&writer))
-            throw StoreError(QStringLiteral("Impossible de produire le document %1.")
-                                 .arg(QDir::toNativeSeparators(path)));
+        if (!painter.begin(&writer)) throw failed(QStringLiteral("document impossible à produire"));
         paintInvoiceDocument(painter, writer, doc, s);
         painter.end();
     }
-    if (!file.commit())
-        throw StoreError(QStringLiteral("Impossible d'écrire le fichier %1 : %2")
-                             .arg(QDir::toNativeSeparators(path), file.errorString()));
+    if (file.error() != QFileDevice::NoError) throw failed(file.errorString());
+    file.close();
+    std::error_code ec;
+    std::filesystem::rename(part.toStdU16String(), path.toStdU16String(), ec);
+    if (ec) {
+        QFile::remove(part);
+        throw StoreError(QStringLiteral("Impossible de remplacer le fichier %1 : %2")
+                             .arg(QDir::toNativeSeparators(path), QString::fromLocal8Bit(ec.message().c_str())));
+    }
 }
 
 InvoiceDocumentData fromHeader(const store::Store& store, const store::Row& h) {
@@ -434,7 +457,10 @@ bool showsClientBlock(const QString& account, const DocumentSettings& s) {
 QString invoicePdfPath(const QString& invoiceFolder, const QString& account, const QString& entity,
                        const QString& number) {
     const QString party = entity.trimmed().isEmpty() ? account.trimmed() : entity.trimmed();
-    return QDir(QDir::fromNativeSeparators(invoiceFolder))
+    // Either separator may come from the path file.
+    QString folder = invoiceFolder.trimmed();
+    folder.replace(QChar('\\'), QChar('/'));
+    return QDir(folder)
         .filePath(party + QStringLiteral("_FN_") + paddedInvoiceNumber(number) +
                   QStringLiteral(".pdf"));
 }

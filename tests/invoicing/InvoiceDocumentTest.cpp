@@ -1,0 +1,350 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QRegularExpression>
+#include <QTextDocumentFragment>
+
+#include "app/Session.h"
+#include "invoicing/InvoiceDocument.h"
+#include "invoicing/InvoiceRecords.h"
+#include "store/Refusal.h"
+#include "support/TestInstall.h"
+
+using namespace orve;
+using namespace orve::invoicing;
+
+namespace {
+
+void guiApplication() {
+    static int argc = 1;
+    static char name[] = "test_invoicing";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance()) new QGuiApplication(argc, argv);
+}
+
+// One word of a PDF as pdftotext -bbox gives it, in twips from the top left.
+struct Word {
+    int page;
+    double x0, y0, x1;
+    QString text;
+};
+
+// The words of a PDF, page by page, and the lines they make.
+class PdfText {
+public:
+    explicit PdfText(const QString& path) {
+        QString out;
+        EXPECT_EQ(test::runProgram("pdftotext", {"-bbox", path, "-"}, {}, &out, nullptr), 0);
+        static const QRegularExpression word(
+            "<word xMin=\"([\\d.]+)\" yMin=\"([\\d.]+)\" xMax=\"([\\d.]+)\" yMax=\"[\\d.]+\">([^<]*)</word>");
+        int page = 0;
+        for (const QString& line : out.split('\n')) {
+            if (line.contains("<page ")) ++page;
+            const auto m = word.match(line);
+            if (m.hasMatch())
+                m_words.push_back({page, m.captured(1).toDouble() * 20, m.captured(2).toDouble() * 20,
+                                   m.captured(3).toDouble() * 20,
+                                   QTextDocumentFragment::fromHtml(m.captured(4)).toPlainText()});
+        }
+        m_pages = page;
+    }
+    int pages() const { return m_pages; }
+    // The first word that is exactly `text`, from `page` on.
+    const Word* find(const QString& text, int page = 1) const {
+        for (const auto& w : m_words)
+            if (w.page >= page && w.text == text) return &w;
+        return nullptr;
+    }
+    // The words on the same line as w, left to right, joined by blanks.
+    QString lineOf(const Word& w, double fromX = 0, double toX = 1e9) const {
+        QStringList out;
+        for (const auto& o : m_words)
+            if (o.page == w.page && std::abs(o.y0 - w.y0) < 60 && o.x0 >= fromX && o.x1 <= toX)
+                out << o.text;
+        return out.join(' ');
+    }
+    QString all(int page = 0) const {
+        QStringList out;
+        for (const auto& w : m_words)
+            if (page == 0 || w.page == page) out << w.text;
+        return out.join(' ');
+    }
+    int count(const QString& text) const {
+        int n = 0;
+        for (const auto& w : m_words) n += w.text == text;
+        return n;
+    }
+
+private:
+    std::vector<Word> m_words;
+    int m_pages = 0;
+};
+
+// The demo installation's invoices.
+const QString kClubInvoice = "2026000001";
+const QString kCommitteeInvoice = "2026000002";
+const QString kLeagueInvoice = "2026000003";
+const QString kCreditNote = "2026000004";
+const QString kLongInvoice = "2026000005";
+
+struct Fixture {
+    test::TestInstall inst;
+    std::unique_ptr<app::Session> session;
+    DocumentSettings settings;
+    explicit Fixture(const QString& login = "gestu") {
+        guiApplication();
+        session = inst.startAs(login);
+        settings = documentSettings(*session);
+    }
+    store::Store& store() { return session->store(); }
+    QString header(const QString& number, const char* column) {
+        return store()
+            .scalar(QStringLiteral("SELECT %1 FROM strentete WHERE ent_fact_no = ?").arg(QLatin1String(column)),
+                    {number})
+            .toString();
+    }
+};
+
+}  // namespace
+
+TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
+    Fixture f;
+    // The competition row that carries the number is marked with the header.
+    f.store().insert("strcompetition", {{"c_index", "FD700009"}, {"c_facture", "A"},
+                                        {"c_num_facture", kClubInvoice}, {"c_edt_fact", "NON"},
+                                        {"c_envoi_mail", "O"}, {"c_add_tiers", "O"}});
+    f.store().exec("UPDATE strentete SET ent_fact_edt = 'N', ent_montant = 0 WHERE ent_fact_no = ?", {kClubInvoice});
+    QDir(f.settings.invoiceFolder).removeRecursively();  // made again when missing
+
+    const QString path = generateInvoicePdf(f.store(), f.settings, kClubInvoice);
+    EXPECT_EQ(QDir::cleanPath(path),
+              QDir::cleanPath(QDir(f.settings.invoiceFolder).filePath("CL13001_FN_2026000001.pdf")));
+    ASSERT_TRUE(QFile::exists(path));
+    EXPECT_EQ(f.header(kClubInvoice, "ent_fact_edt"), "O");
+    EXPECT_EQ(f.header(kClubInvoice, "ent_montant"), "80000");
+    const auto comp = f.store().selectOne("SELECT * FROM strcompetition WHERE c_index = 'FD700009'");
+    EXPECT_EQ(comp->value("c_facture").toString(), "F");
+    EXPECT_EQ(comp->value("c_edt_fact").toString(), "OUI");
+    EXPECT_EQ(comp->value("c_add_tiers").toString(), "N");
+    EXPECT_EQ(comp->value("c_envoi_mail").toString(), "N");
+
+    PdfText pdf(path);
+    EXPECT_EQ(pdf.pages(), 1);
+    const Word* title = pdf.find("FACTURE");
+    ASSERT_TRUE(title);
+    EXPECT_EQ(pdf.lineOf(*title), "FACTURE N° BOW2026000001 du 11/11/2026");
+    EXPECT_NEAR(title->x0, 6000, 5);
+    EXPECT_NEAR(title->y0, 600, 60);
+    // A club gets no "Client concerné" block.
+    EXPECT_FALSE(pdf.find("concerné"));
+    const Word* billing = pdf.find("Adresse");
+    ASSERT_TRUE(billing);
+    EXPECT_NEAR(billing->x0, 300, 5);
+    EXPECT_NEAR(billing->y0, 2500, 60);
+    EXPECT_EQ(pdf.lineOf(*billing, 0, 5000), "Adresse de facturation :");
+    const Word* discipline = pdf.find("Discipline");
+    EXPECT_NEAR(discipline->x0, 6300, 5);
+    EXPECT_NEAR(discipline->y0, 3000, 60);
+    EXPECT_EQ(pdf.lineOf(*pdf.find("Interne")), "N° Interne : BW-2018--");
+
+    const Word* head = pdf.find("DESIGNATION");
+    EXPECT_NEAR(head->x0, 1500, 5);
+    EXPECT_EQ(pdf.lineOf(*head), "DESIGNATION Quantité P.U. Montant HT");
+    EXPECT_NEAR(pdf.find("Quantité")->x0, 5500, 5);
+    EXPECT_NEAR(pdf.find("P.U.")->x0, 7100, 5);
+    EXPECT_NEAR(pdf.find("Montant")->x0, 8600, 5);
+    // Rows every 300 twips from 500 below the heads; numbers right-aligned.
+    const Word* adult = pdf.find("adulte");
+    ASSERT_TRUE(adult);
+    EXPECT_EQ(pdf.lineOf(*adult), "Licence adulte 12 45,00 € 540,00 €");
+    EXPECT_NEAR(adult->y0 - head->y0, 500 + 300, 40);
+    const Word* first = pdf.find("Affiliation");
+    EXPECT_NEAR(first->x0, 500, 5);
+    EXPECT_NEAR(first->y0 - head->y0, 500, 40);
+    EXPECT_EQ(pdf.lineOf(*first), "Affiliation de club 1 120,00 € 120,00 €");
+    const Word* qty = pdf.find("12");
+    EXPECT_NEAR(qty->x0, 6000, 5);
+    double unitRight = 0, amountRight = 0;
+    for (const auto* w = pdf.find("45,00"); w; w = nullptr) unitRight = w->x1;
+    EXPECT_GT(unitRight, 6600);
+    const Word* euro = pdf.find("540,00");
+    amountRight = euro->x1;
+    EXPECT_LT(amountRight, 9500);
+    EXPECT_GT(amountRight, 8700);
+
+    // Totals, terms, notice, slip and footer.
+    EXPECT_EQ(pdf.lineOf(*pdf.find("Acompte"), 7000), "Acompte versé : 0,00 €");
+    EXPECT_EQ(pdf.lineOf(*pdf.find("Net"), 7000), "Net à Payer : 800,00 €");
+    EXPECT_NEAR(pdf.find("Net")->x0, 7500, 5);
+    EXPECT_TRUE(pdf.find("800,00"));
+    const QString text = pdf.all();
+    EXPECT_TRUE(text.contains("TVA NON APPLICABLE"));
+    EXPECT_TRUE(text.contains("Mode de règlement : à réception"));
+    EXPECT_TRUE(text.contains("Date échéance : 11/12/2026"));
+    EXPECT_TRUE(text.contains("Les Règlements sont à effectuer à l'ordre de la K.V.A.R.N."));
+    EXPECT_TRUE(text.contains("GAGNEZ DU TEMPS ! Règlez par virement bancaire."));
+    EXPECT_TRUE(text.contains("IBAN : FR76 0000 0000 0000 0000 0000 000"));
+    EXPECT_TRUE(text.contains("BIC : BCSPFRPPXXX"));
+    const Word* coupon = pdf.find("Coupon");
+    EXPECT_NEAR(coupon->x0, 7900, 5);
+    EXPECT_NEAR(coupon->y0, 13450, 60);
+    EXPECT_EQ(pdf.lineOf(*coupon), "Coupon à joindre à votre règlement");
+    EXPECT_TRUE(text.contains("Facture N° : 2026000001"));
+    EXPECT_TRUE(text.contains("Date facture : 11/11/2026"));
+    EXPECT_TRUE(text.contains("Montant : 800,00 €"));
+    const Word* federation = pdf.find("FEDERATION");
+    EXPECT_NEAR(federation->y0, 15500, 60);
+    EXPECT_TRUE(text.contains("14 rue des Neuf-Quilles, 75010 Paris"));
+
+    // Regenerating replaces the same file and leaves nothing beside it.
+    f.store().exec("UPDATE strcompetition SET c_envoi_mail = 'O' WHERE c_index = 'FD700009'");
+    EXPECT_EQ(generateInvoicePdf(f.store(), f.settings, kClubInvoice), path);
+    EXPECT_EQ(QDir(f.settings.invoiceFolder).entryList(QDir::Files).join(','), "CL13001_FN_2026000001.pdf");
+    EXPECT_EQ(f.store().scalar("SELECT c_envoi_mail FROM strcompetition WHERE c_index = 'FD700009'").toString(), "N");
+}
+
+TEST(InvoiceDocument, FreeTextLineDepositAndNegativeNet) {
+    Fixture f;
+    PdfText pdf(generateInvoicePdf(f.store(), f.settings, kCommitteeInvoice));
+    // A free-text line: designation and amount only.
+    const Word* location = pdf.find("Location");
+    ASSERT_TRUE(location);
+    EXPECT_EQ(pdf.lineOf(*location), "Location de la salle pour l'assemblée générale 250,00 €");
+    EXPECT_EQ(pdf.lineOf(*pdf.find("Acompte"), 7000), "Acompte versé : 50,00 €");
+    EXPECT_EQ(pdf.lineOf(*pdf.find("Net"), 7000), "Net à Payer : 375,00 €");
+    EXPECT_FALSE(pdf.find("concerné"));  // a committee
+
+    // A deposit larger than the total leaves a negative amount to pay.
+    f.store().exec("UPDATE strentete SET ent_acompte = 100000 WHERE ent_fact_no = ?", {kCommitteeInvoice});
+    PdfText over(generateInvoicePdf(f.store(), f.settings, kCommitteeInvoice));
+    EXPECT_EQ(over.lineOf(*over.find("Net"), 7000), "Net à Payer : -575,00 €");
+    EXPECT_EQ(over.lineOf(*over.find("Acompte"), 7000), "Acompte versé : 1 000,00 €");
+    EXPECT_TRUE(over.all().contains("Montant : -575,00 €"));
+}
+
+TEST(InvoiceDocument, ClientBlockDependsOnPartyAndOperator) {
+    {
+        Fixture f;
+        PdfText pdf(generateInvoicePdf(f.store(), f.settings, kLeagueInvoice));
+        const Word* client = pdf.find("concerné");
+        ASSERT_TRUE(client);
+        EXPECT_EQ(pdf.lineOf(*client, 5000), "Client concerné : LR06");
+        EXPECT_NEAR(pdf.find("Client")->x0, 5400, 5);
+        EXPECT_NEAR(client->y0, 2500, 60);
+        EXPECT_TRUE(pdf.all().contains("Gérard Castellan 12 boulevard des Platanes"));
+    }
+    {
+        // A committee operator never prints it.
+        Fixture f("CD13");
+        EXPECT_TRUE(f.settings.committeeOperator());
+        PdfText pdf(generateInvoicePdf(f.store(), f.settings, kLeagueInvoice));
+        EXPECT_FALSE(pdf.find("concerné"));
+    }
+    DocumentSettings s;
+    EXPECT_FALSE(showsClientBlock("CL13001", s));
+    EXPECT_FALSE(showsClientBlock("CD013", s));
+    EXPECT_FALSE(showsClientBlock("BOW0131", s));
+    EXPECT_TRUE(showsClientBlock("LR06", s));
+    s.operatorLeague = "CD13";
+    EXPECT_FALSE(showsClientBlock("LR06", s));
+}
+
+TEST(InvoiceDocument, CreditNotes) {
+    Fixture f;
+    // A credit note printed on its own reads as one.
+    PdfText single(generateInvoicePdf(f.store(), f.settings, kCreditNote));
+    EXPECT_EQ(single.lineOf(*single.find("AVOIR")), "AVOIR N° BOW2026000004 du 21/11/2026");
+    EXPECT_TRUE(single.all().contains("Avoir N° : 2026000004"));
+    EXPECT_FALSE(single.find("Acompte"));
+    EXPECT_FALSE(single.find("IBAN"));
+    EXPECT_EQ(single.lineOf(*single.find("Net"), 7000), "Net à Payer : -425,00 €");
+    EXPECT_TRUE(single.all().contains("-250,00 €"));
+
+    // The range run writes only credit notes and marks their headers.
+    f.store().exec("UPDATE strentete SET ent_fact_edt = 'N'");
+    const auto written = generateCreditNotePdfs(f.store(), f.settings, "2026000001", "2026000009");
+    ASSERT_EQ(written.size(), 1u);
+    EXPECT_TRUE(written[0].endsWith("/CD013_FN_2026000004.pdf"));
+    EXPECT_EQ(f.header(kCreditNote, "ent_fact_edt"), "O");
+    EXPECT_EQ(f.header(kClubInvoice, "ent_fact_edt"), "N");
+}
+
+TEST(InvoiceDocument, LongInvoiceContinuesWithHeadsRepeated) {
+    Fixture f;
+    PdfText pdf(generateInvoicePdf(f.store(), f.settings, kLongInvoice));
+    ASSERT_EQ(pdf.pages(), 2);
+    EXPECT_EQ(pdf.count("DESIGNATION"), 2);
+    const Word* head2 = pdf.find("DESIGNATION", 2);
+    ASSERT_TRUE(head2);
+    EXPECT_EQ(head2->page, 2);
+    EXPECT_FALSE(pdf.all(1).contains("Net à Payer"));
+    EXPECT_FALSE(pdf.all(1).contains("Coupon"));
+    ASSERT_TRUE(pdf.find("Net", 2));
+    EXPECT_EQ(pdf.lineOf(*pdf.find("Net", 2), 7000), "Net à Payer : 1 350,00 €");
+    EXPECT_TRUE(pdf.all(2).contains("Coupon à joindre"));
+    // Every line once, in order, and the title on both pages.
+    EXPECT_EQ(pdf.count("équipe"), 45);
+    EXPECT_EQ(pdf.count("BOW2026000005"), 2);
+    EXPECT_LT(pdf.find("45", 1)->page, 3);
+    // Pagination keeps a few lines above the totals and never more than fit.
+    const auto pages = paginateLines(60, 6500);
+    int sum = 0;
+    for (int n : pages) sum += n;
+    EXPECT_EQ(sum, 60);
+    EXPECT_GE(pages.back(), 1);
+    EXPECT_EQ(paginateLines(3, 5000), std::vector<int>{3});
+}
+
+TEST(InvoiceDocument, RefusalsNamesAndPrinterLookup) {
+    Fixture f;
+    // No line: refused, the header left unmarked.
+    InvoiceHeader h;
+    h.dateText = "21/11/2026";
+    h.nature = "DIV";
+    h.competitionIndex = kMiscIndex;
+    h.billed.entity = "CD13";
+    h.billed.name = "Comité";
+    const QString n = createInvoice(f.store(), h, f.inst.today());
+    removeLine(f.store(), n, "01");
+    f.store().exec("UPDATE strentete SET ent_fact_edt = 'N' WHERE ent_fact_no = ?", {n});
+    try {
+        generateInvoicePdf(f.store(), f.settings, n);
+        FAIL() << "no refusal";
+    } catch (const Refusal& r) {
+        EXPECT_EQ(r.message(), "aucune ligne sur cette facture");
+    }
+    EXPECT_EQ(f.header(n, "ent_fact_edt"), "N");
+
+    // An entity code names the file, as the mailing looks for it.
+    addLine(f.store(), n);
+    EXPECT_TRUE(generateInvoicePdf(f.store(), f.settings, n).endsWith("/CD13_FN_" + paddedInvoiceNumber(n) + ".pdf"));
+    EXPECT_EQ(invoicePdfPath("C:\\factures\\", "CD044", " ", "58"), "C:/factures/CD044_FN_00000058.pdf");
+
+    const QStringList printers{"HP LaserJet", "PDF Writer - bioPDF", "Brother"};
+    EXPECT_EQ(findPrinter(printers, "pdf writer - biopdf"), 1);
+    EXPECT_EQ(findPrinter(printers, "*biopdf"), 1);
+    EXPECT_EQ(findPrinter(printers, "hp*"), 0);
+    EXPECT_EQ(findPrinter(printers, "Brothe?"), 2);
+    EXPECT_EQ(findPrinter(printers, "PDF"), -1);
+    EXPECT_EQ(findPrinter(printers, "a.b"), -1);
+    EXPECT_EQ(printerNotFoundMessage("bioPDF"), "No printer was found by the name of 'bioPDF'.");
+}
+
+TEST(InvoiceDocument, BatchCommand) {
+    test::TestInstall inst;
+    QString out, err;
+    EXPECT_EQ(test::runProgram(ORVE_BATCH, {"--home", inst.home(), "--as", "gestu", "pdf", kClubInvoice, kLeagueInvoice},
+                               {}, &out, &err),
+              0)
+        << qPrintable(err);
+    EXPECT_TRUE(out.contains("CL13001_FN_2026000001.pdf")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("LR06_FN_2026000003.pdf"));
+    EXPECT_EQ(test::runProgram(ORVE_BATCH, {"--home", inst.home(), "pdf", "--credit-notes", "2026000001", "2026000009"},
+                               {}, &out, &err),
+              0);
+    EXPECT_TRUE(out.contains("CD013_FN_2026000004.pdf")) << qPrintable(out);
+    EXPECT_EQ(test::runProgram(ORVE_BATCH, {"--home", inst.home(), "pdf", "424242"}, {}, &out, &err), 1);
+    EXPECT_TRUE((out + err).contains("La facture N° 424242 n'existe pas.")) << qPrintable(out + err);
+}
