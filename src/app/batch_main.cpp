@@ -2,6 +2,10 @@
 #include <QGuiApplication>
 #include <QTextStream>
 #include <cstdio>
+#if defined(Q_OS_UNIX)
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
 
 #include "app/BatchCommands.h"
 
@@ -12,6 +16,13 @@ int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
         qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The runtime folder Qt would fall back to, made here so that a shell's
+    // standard error carries only the command's own messages.
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        const QByteArray runtime = QByteArray("/tmp/runtime-") + QByteArray::number(getuid());
+        ::mkdir(runtime.constData(), 0700);
+        qputenv("XDG_RUNTIME_DIR", runtime);
+    }
 #endif
     QGuiApplication app(argc, argv);
     QTextStream out(stdout);

@@ -101,13 +101,22 @@ QImage cachedImage(const QString& path, int width) {
 
 // Outlines only: hinting is for screens, and running the font's hinting
 // program for every glyph of every document is most of a document's cost.
-QFont documentFont(int size) {
+QFont makeFont(int size) {
     QFont f(fontFamily());
     f.setPointSize(size);
     f.setStyleStrategy(QFont::StyleStrategy(QFont::PreferOutline | QFont::ForceOutline));
     f.setHintingPreference(QFont::PreferNoHinting);
     f.setKerning(false);
     return f;
+}
+
+QFont documentFont(int size) {
+    static QMutex mutex;
+    static QHash<int, QFont> fonts;
+    QMutexLocker lock(&mutex);
+    auto it = fonts.find(size);
+    if (it == fonts.end()) it = fonts.insert(size, makeFont(size));
+    return *it;
 }
 
 // Draws text whose top stands at y, as the layout gives positions.
