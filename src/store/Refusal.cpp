@@ -3,8 +3,7 @@
 namespace orve {
 
 QString describeError(const std::exception& e) {
-    if (auto* r = dynamic_cast<const Refusal*>(&e)) return r->message();
-    if (auto* s = dynamic_cast<const StoreError*>(&e)) return s->message();
+    if (auto* m = dynamic_cast<const OperatorMessage*>(&e)) return m->message();
     return QStringLiteral("Erreur inattendue : %1").arg(QString::fromUtf8(e.what()));
 }
 

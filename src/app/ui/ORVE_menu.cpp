@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QVBoxLayout>
 
 #include "app/Backup.h"
@@ -148,6 +149,9 @@ void ORVE_menu::buildPanels() {
     layout->addWidget(image2);
     layout->addStretch();
     setCentralWidget(central);
+    m_userLabel = new QLabel(this);
+    m_userLabel->setObjectName(QStringLiteral("lbl_utilisateur"));
+    statusBar()->addWidget(m_userLabel);
 }
 
 void ORVE_menu::applyRights() {
@@ -171,6 +175,8 @@ void ORVE_menu::signIn() {
         }
         applyRights();
         m_frame1->hide();
+        m_userLabel->setText(QStringLiteral("Utilisateur : %1  —  ligue : %2")
+                                 .arg(m_session.user().login, m_session.user().league));
     });
 }
 

@@ -10,6 +10,7 @@
 
 class QAction;
 class QGroupBox;
+class QLabel;
 class QLineEdit;
 class QMenu;
 class QPushButton;
@@ -47,6 +48,7 @@ private:
     QLineEdit* m_password = nullptr;
     QLineEdit* m_disk = nullptr;
     QLineEdit* m_folder = nullptr;
+    QLabel* m_userLabel = nullptr;
 };
 
 }  // namespace orve::app

@@ -46,13 +46,18 @@ bool objectVisible(QObject* o) {
     return false;
 }
 
-QObject* findControl(const QString& name) {
+// "NAME", or "WINDOW.NAME" to take NAME inside one window only (the menu's
+// Frame1 and a screen's Frame1 are two controls of the same name).
+QObject* findControl(const QString& qualified) {
+    const QString window = qualified.contains('.') ? qualified.section('.', 0, 0) : QString();
+    const QString name = window.isEmpty() ? qualified : qualified.section('.', 1);
     QSet<QObject*> found;
     for (QWidget* top : QApplication::topLevelWidgets()) {
+        if (!window.isEmpty() && top->objectName() != window) continue;
         if (top->objectName() == name) found.insert(top);
         for (QObject* o : top->findChildren<QObject*>(name)) found.insert(o);
     }
-    if (found.isEmpty()) failWith(QStringLiteral("no control named %1").arg(name));
+    if (found.isEmpty()) failWith(QStringLiteral("no control named %1").arg(qualified));
     if (found.size() == 1) return *found.begin();
     QList<QObject*> visible;
     for (QObject* o : found)
