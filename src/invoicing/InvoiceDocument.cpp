@@ -104,7 +104,8 @@ QImage cachedImage(const QString& path, int width) {
 QFont makeFont(int size) {
     QFont f(fontFamily());
     f.setPointSize(size);
-    f.setStyleStrategy(QFont::StyleStrategy(QFont::PreferOutline | QFont::ForceOutline));
+    f.setStyleStrategy(
+        QFont::StyleStrategy(QFont::PreferOutline | QFont::ForceOutline | QFont::PreferNoShaping));
     f.setHintingPreference(QFont::PreferNoHinting);
     f.setKerning(false);
     return f;
