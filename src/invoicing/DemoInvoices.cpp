@@ -18,30 +18,31 @@ store::Row row(const store::Store& s, const QString& sql, const QString& key) {
     return *r;
 }
 
+// A party's billing block read from its row: every party table names its
+// columns prefix + "_president", "_ad1".., "_cp", "_ville", "_mail1", "_mail2".
+InvoiceParty partyOf(const store::Row& r, const QString& account, const QString& prefix,
+                     const QString& name) {
+    auto col = [&](const char* suffix) { return r.value(prefix + QLatin1String(suffix)).toString(); };
+    return {account, QString(), name, col("_president"), col("_ad1"), col("_ad2"), col("_ad3"),
+            col("_ad4"), col("_cp") + QStringLiteral(" ") + col("_ville"), col("_mail1"),
+            col("_mail2")};
+}
+
 InvoiceParty club(const store::Store& s, const QString& code) {
     const auto r = row(s, QStringLiteral("SELECT * FROM strclub WHERE club_code = ?"), code);
-    return {code, QString(), text(r, "club_nom"), text(r, "club_president"), text(r, "club_ad1"),
-            text(r, "club_ad2"), text(r, "club_ad3"), text(r, "club_ad4"),
-            text(r, "club_cp") + QStringLiteral(" ") + text(r, "club_ville"), text(r, "club_mail1"),
-            text(r, "club_mail2")};
+    return partyOf(r, code, QStringLiteral("club"), text(r, "club_nom"));
 }
 
 // Committees are invoiced under "CD" followed by their number.
 InvoiceParty committee(const store::Store& s, const QString& no) {
     const auto r = row(s, QStringLiteral("SELECT * FROM strdept WHERE de_no = ?"), no);
-    return {QStringLiteral("CD") + no, QString(),
-            QStringLiteral("Comité Départemental ") + text(r, "de_lib"), text(r, "de_president"),
-            text(r, "de_ad1"), text(r, "de_ad2"), text(r, "de_ad3"), text(r, "de_ad4"),
-            text(r, "de_cp") + QStringLiteral(" ") + text(r, "de_ville"), text(r, "de_mail1"),
-            text(r, "de_mail2")};
+    return partyOf(r, QStringLiteral("CD") + no, QStringLiteral("de"),
+                   QStringLiteral("Comité Départemental ") + text(r, "de_lib"));
 }
 
 InvoiceParty league(const store::Store& s, const QString& code) {
     const auto r = row(s, QStringLiteral("SELECT * FROM strregion WHERE re_code = ?"), code);
-    return {code, QString(), text(r, "re_lib"), text(r, "re_president"), text(r, "re_ad1"),
-            text(r, "re_ad2"), text(r, "re_ad3"), text(r, "re_ad4"),
-            text(r, "re_cp") + QStringLiteral(" ") + text(r, "re_ville"), text(r, "re_mail1"),
-            text(r, "re_mail2")};
+    return partyOf(r, code, QStringLiteral("re"), text(r, "re_lib"));
 }
 
 InvoiceHeader header(const store::Store& s, const QString& index, const QDate& date,

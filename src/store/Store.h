@@ -53,14 +53,12 @@ public:
     void begin();
     void commit();
     void rollback();
-    int depth() const { return m_depth; }
 
 private:
     explicit Store(QString folder, QString connection);
     QString m_folder;
     QString m_connection;
     int m_depth = 0;
-    bool m_failedInner = false;
 };
 
 // One business operation, one transaction: rolls back unless committed.
