@@ -47,23 +47,32 @@ int main(int argc, char** argv) {
             h.nature = QStringLiteral("LIC");
             h.competitionIndex = invoicing::kLicenceIndex;
             h.competitionTitle = QStringLiteral("LICENCES");
-            h.billed = {QStringLiteral("CL13001"), QString(), QStringLiteral("Bowling Club Phocéen"),
-                        QStringLiteral("Henri Santoni"), QStringLiteral("Chez Henri Santoni"),
-                        QStringLiteral("7 rue du Club"), QString(), QString(),
-                        QStringLiteral("13008 Marseille"), QString(), QString()};
+            h.billed = {QStringLiteral("CL13001"),
+                        QString(),
+                        QStringLiteral("Bowling Club Phocéen"),
+                        QStringLiteral("Henri Santoni"),
+                        QStringLiteral("Chez Henri Santoni"),
+                        QStringLiteral("7 rue du Club"),
+                        QString(),
+                        QString(),
+                        QStringLiteral("13008 Marseille"),
+                        QString(),
+                        QString()};
             const QString n = invoicing::createInvoice(store, h, today);
             invoicing::updateLine(store, n, QStringLiteral("01"),
                                   {QStringLiteral("00000001"), QStringLiteral("Licence adulte"),
                                    10 + i % 7, Money::fromCents(4500)});
-            invoicing::appendLine(store, n, {QStringLiteral("00000002"),
-                                             QStringLiteral("Licence jeune (moins de 18 ans)"), 3,
-                                             Money::fromCents(2200)});
-            invoicing::appendLine(store, n, {QStringLiteral("00000004"),
-                                             QStringLiteral("Affiliation de club"), 1,
-                                             Money::fromCents(12000)});
-            invoicing::appendLine(store, n, {invoicing::kFreeTextArticle,
-                                             QStringLiteral("Remise fidélité"), 1,
-                                             Money::fromCents(-1500)});
+            invoicing::appendLine(
+                store, n,
+                {QStringLiteral("00000002"), QStringLiteral("Licence jeune (moins de 18 ans)"), 3,
+                 Money::fromCents(2200)});
+            invoicing::appendLine(
+                store, n,
+                {QStringLiteral("00000004"), QStringLiteral("Affiliation de club"), 1,
+                 Money::fromCents(12000)});
+            invoicing::appendLine(store, n,
+                                  {invoicing::kFreeTextArticle, QStringLiteral("Remise fidélité"),
+                                   1, Money::fromCents(-1500)});
             numbers.push_back(n);
         }
         tx.commit();
@@ -91,6 +100,7 @@ int main(int argc, char** argv) {
     std::printf("90th percentile   : %.2f ms\n", sorted[sorted.size() * 9 / 10]);
     std::printf("invoices per second: %.0f (wall %.2f s)\n", count / total, total);
     std::printf("file size         : %lld bytes (%s)\n",
-                static_cast<long long>(QFileInfo(path).size()), qPrintable(QFileInfo(path).fileName()));
+                static_cast<long long>(QFileInfo(path).size()),
+                qPrintable(QFileInfo(path).fileName()));
     return 0;
 }

@@ -91,8 +91,10 @@ int backup(BatchContext& c) {
 void registerAppBatchCommands(BatchRegistry& r) {
     r.add({"init", "init DIR --code C --name N --district D", init});
     r.add({"init-demo", "init-demo DIR", initDemo});
-    r.add({"user", "user add LOGIN --league CODE [--mail ADDR] | user passwd LOGIN (mot de passe "
-                   "sur l'entrée standard)", user});
+    r.add({"user",
+           "user add LOGIN --league CODE [--mail ADDR] | user passwd LOGIN (mot de passe "
+           "sur l'entrée standard)",
+           user});
     r.add({"signin", "signin LOGIN (mot de passe sur l'entrée standard)", signin});
     r.add({"backup", "backup DEST", backup});
 }

@@ -49,13 +49,14 @@ void copyOne(const QString& source, const QString& target) {
     }
     const QString why = QString::fromUtf8(sqlite3_errmsg(to));
     // The copy is a plain single file: no WAL beside it on the medium.
-    if (rc == SQLITE_DONE) sqlite3_exec(to, "PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr);
+    if (rc == SQLITE_DONE)
+        sqlite3_exec(to, "PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr);
     closeBoth();
     if (rc != SQLITE_DONE) {
         QFile::remove(target);
-        throw StoreError(QStringLiteral("Sauvegarde impossible de %1 vers %2 : %3")
-                             .arg(QFileInfo(source).fileName(), QDir::toNativeSeparators(target),
-                                  why));
+        throw StoreError(
+            QStringLiteral("Sauvegarde impossible de %1 vers %2 : %3")
+                .arg(QFileInfo(source).fileName(), QDir::toNativeSeparators(target), why));
     }
 }
 

@@ -15,7 +15,7 @@ namespace orve::app {
 // What a batch command gets: its own arguments (global options removed), the
 // program folder, the login of --as, and where to print.
 class BatchContext {
-public:
+  public:
     BatchContext(QStringList args, QString programFolder, QString asLogin, QTextStream& out,
                  QTextStream& err, Clock clock);
 
@@ -39,7 +39,7 @@ public:
     // A line read from standard input (a password, say).
     QString readLine();
 
-private:
+  private:
     QStringList m_args;
     QString m_programFolder;
     QString m_asLogin;
@@ -57,12 +57,12 @@ struct BatchCommand {
 };
 
 class BatchRegistry {
-public:
+  public:
     void add(BatchCommand command) { m_commands.push_back(std::move(command)); }
     const BatchCommand* find(const QString& name) const;
     const std::vector<BatchCommand>& commands() const { return m_commands; }
 
-private:
+  private:
     std::vector<BatchCommand> m_commands;
 };
 

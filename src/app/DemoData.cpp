@@ -52,9 +52,8 @@ const League kLeagues[] = {
     {"LR33", "Nouvelle-Aquitaine", "Monsieur le Président", "Jean-Marc Lalanne",
      "31 cours de l'Intendance", "33000", "Bordeaux", "Madame la Présidente du CSR",
      "Claire Dupouy", "LR"},
-    {"LR44", "Pays de la Loire", "Madame la Présidente", "Nathalie Guérin",
-     "9 quai des Chantiers", "44200", "Nantes", "Monsieur le Président du CSR", "Yann Le Goff",
-     "LR"},
+    {"LR44", "Pays de la Loire", "Madame la Présidente", "Nathalie Guérin", "9 quai des Chantiers",
+     "44200", "Nantes", "Monsieur le Président du CSR", "Yann Le Goff", "LR"},
     {"LR69", "Auvergne-Rhône-Alpes", "Monsieur le Président", "Bernard Villard",
      "77 avenue des Frères-Lumière", "69008", "Lyon", "", "", "LR"},
 };
@@ -83,10 +82,10 @@ const Committee kCommittees[] = {
      "CD75", "411075"},
     {"092", "Hauts-de-Seine", "LR11", "D1", "Thierry Mallet", "7 allée des Tilleuls", "92100",
      "Boulogne-Billancourt", "LR11", "411092"},
-    {"021", "Côte-d'Or", "LR21", "D1", "Martine Jacquot", "11 rue Chaudronnerie", "21000",
-     "Dijon", "CD21", "411021"},
-    {"033", "Gironde", "LR33", "D1", "Didier Lacoste", "4 rue des Chartrons", "33000",
-     "Bordeaux", "CD33", "411033"},
+    {"021", "Côte-d'Or", "LR21", "D1", "Martine Jacquot", "11 rue Chaudronnerie", "21000", "Dijon",
+     "CD21", "411021"},
+    {"033", "Gironde", "LR33", "D1", "Didier Lacoste", "4 rue des Chartrons", "33000", "Bordeaux",
+     "CD33", "411033"},
     {"044", "Loire-Atlantique", "LR44", "D1", "Rozenn Le Bihan", "22 rue de la Fosse", "44000",
      "Nantes", "CD44", "411044"},
     {"049", "Maine-et-Loire", "LR44", "D2", "Pascal Chauvin", "6 place du Ralliement", "49100",
@@ -114,14 +113,14 @@ const Centre kCentres[] = {
      "13008", "Marseille", 24, "12/03/2019"},
     {"BOW0832", "832", "Toulon Strike", "Bois", "LR06", "083", "Zone des Playes", "83500",
      "La Seyne-sur-Mer", 16, "05/03/2019"},
-    {"BOW0751", "751", "Quilles de Bercy", "Synthétique", "LR11", "075", "9 quai de Bercy",
-     "75012", "Paris", 32, "20/09/2021"},
-    {"BOW0441", "441", "Atlantique Bowling", "Synthétique", "LR44", "044",
-     "Route de Vannes", "44800", "Saint-Herblain", 20, "14/01/2020"},
+    {"BOW0751", "751", "Quilles de Bercy", "Synthétique", "LR11", "075", "9 quai de Bercy", "75012",
+     "Paris", 32, "20/09/2021"},
+    {"BOW0441", "441", "Atlantique Bowling", "Synthétique", "LR44", "044", "Route de Vannes",
+     "44800", "Saint-Herblain", 20, "14/01/2020"},
     {"BOW0211", "211", "Bowling des Ducs", "Bois", "LR21", "021", "3 rue du Golf", "21800",
      "Quetigny", 12, "02/06/2018"},
-    {"BOW0691", "691", "Confluence Bowling", "Synthétique", "LR69", "069",
-     "112 cours Charlemagne", "69002", "Lyon", 28, "30/11/2022"},
+    {"BOW0691", "691", "Confluence Bowling", "Synthétique", "LR69", "069", "112 cours Charlemagne",
+     "69002", "Lyon", 28, "30/11/2022"},
 };
 
 struct Club {
@@ -248,16 +247,17 @@ void fillReference(Store& s, const QString& today, int season) {
                   {"re_ad4", ""},
                   {"re_cp", QString::fromUtf8(l.cp)},
                   {"re_ville", QString::fromUtf8(l.ville)},
-                  {"re_mail1", QStringLiteral("president.%1@ligues-bowling.example").arg(code.toLower())},
-                  {"re_mail2", *l.csr ? QStringLiteral("csr.%1@ligues-bowling.example").arg(code.toLower())
-                                      : QString()},
+                  {"re_mail1",
+                   QStringLiteral("president.%1@ligues-bowling.example").arg(code.toLower())},
+                  {"re_mail2",
+                   *l.csr ? QStringLiteral("csr.%1@ligues-bowling.example").arg(code.toLower())
+                          : QString()},
                   {"re_csr_int", QString::fromUtf8(l.csrInt)},
                   {"re_csr_nom", QString::fromUtf8(l.csr)},
                   {"re_fact", QString::fromUtf8(l.fact)},
                   {"re_date_enreg", today}});
-        s.insert("strorganisateur", {{"o_genre", "R"},
-                                     {"o_code", code},
-                                     {"o_libelle", QString::fromUtf8(l.lib)}});
+        s.insert("strorganisateur",
+                 {{"o_genre", "R"}, {"o_code", code}, {"o_libelle", QString::fromUtf8(l.lib)}});
     }
     for (const auto& c : kCommittees) {
         const QString no = QString::fromUtf8(c.no);
@@ -279,71 +279,77 @@ void fillReference(Store& s, const QString& today, int season) {
                              {"de_facturation", QString::fromUtf8(c.facturation)},
                              {"de_compta", QString::fromUtf8(c.compta)},
                              {"de_date_enreg", today}});
-        s.insert("strorganisateur", {{"o_genre", "D"},
-                                     {"o_code", no},
-                                     {"o_libelle", QString::fromUtf8(c.lib)}});
+        s.insert("strorganisateur",
+                 {{"o_genre", "D"}, {"o_code", no}, {"o_libelle", QString::fromUtf8(c.lib)}});
     }
     for (const auto& b : kCentres) {
         const QString hom = QString::fromUtf8(b.homologation);
-        s.insert("strbowling",
-                 {{"b_compte_tiers", QString::fromUtf8(b.compte)},
-                  {"b_numero", QString::fromUtf8(b.numero)},
-                  {"b_nom", QString::fromUtf8(b.nom)},
-                  {"b_type", QString::fromUtf8(b.type)},
-                  {"b_region", QString::fromUtf8(b.region)},
-                  {"b_dept", QString::fromUtf8(b.dept)},
-                  {"b_district", "D1"},
-                  {"b_ad1", QString::fromUtf8(b.ad1)},
-                  {"b_ad2", ""},
-                  {"b_ad3", ""},
-                  {"b_cp", QString::fromUtf8(b.cp)},
-                  {"b_ville", QString::fromUtf8(b.ville)},
-                  {"b_tel1", QStringLiteral("04 91 00 %1 %2").arg(b.pistes, 2, 10, QChar('0')).arg(10 + b.pistes)},
-                  {"b_tel2", ""},
-                  {"b_fax", ""},
-                  {"b_mail1", QStringLiteral("accueil.%1@centres-bowling.example").arg(QString::fromUtf8(b.numero))},
-                  {"b_mail2", ""},
-                  {"b_site", QStringLiteral("https://bowling-%1.example").arg(QString::fromUtf8(b.numero))},
-                  {"b_pistes", b.pistes},
-                  {"b_homologation", hom},
-                  {"b_homologation_tri", format::displayToSortKey(hom)},
-                  {"b_nom_proprietaire", QStringLiteral("SAS Loisirs %1").arg(QString::fromUtf8(b.ville))},
-                  {"b_nom_responsable", QStringLiteral("Direction du centre")},
-                  {"b_fac_nom", QStringLiteral("SAS Loisirs %1").arg(QString::fromUtf8(b.ville))},
-                  {"b_fac_ad1", QString::fromUtf8(b.ad1)},
-                  {"b_fac_ad2", ""},
-                  {"b_fac_ad3", ""},
-                  {"b_fac_ad4", ""},
-                  {"b_fac_cp", QString::fromUtf8(b.cp)},
-                  {"b_fac_ville", QString::fromUtf8(b.ville)},
-                  {"b_date_enreg", today}});
+        s.insert(
+            "strbowling",
+            {{"b_compte_tiers", QString::fromUtf8(b.compte)},
+             {"b_numero", QString::fromUtf8(b.numero)},
+             {"b_nom", QString::fromUtf8(b.nom)},
+             {"b_type", QString::fromUtf8(b.type)},
+             {"b_region", QString::fromUtf8(b.region)},
+             {"b_dept", QString::fromUtf8(b.dept)},
+             {"b_district", "D1"},
+             {"b_ad1", QString::fromUtf8(b.ad1)},
+             {"b_ad2", ""},
+             {"b_ad3", ""},
+             {"b_cp", QString::fromUtf8(b.cp)},
+             {"b_ville", QString::fromUtf8(b.ville)},
+             {"b_tel1",
+              QStringLiteral("04 91 00 %1 %2").arg(b.pistes, 2, 10, QChar('0')).arg(10 + b.pistes)},
+             {"b_tel2", ""},
+             {"b_fax", ""},
+             {"b_mail1", QStringLiteral("accueil.%1@centres-bowling.example")
+                             .arg(QString::fromUtf8(b.numero))},
+             {"b_mail2", ""},
+             {"b_site",
+              QStringLiteral("https://bowling-%1.example").arg(QString::fromUtf8(b.numero))},
+             {"b_pistes", b.pistes},
+             {"b_homologation", hom},
+             {"b_homologation_tri", format::displayToSortKey(hom)},
+             {"b_nom_proprietaire",
+              QStringLiteral("SAS Loisirs %1").arg(QString::fromUtf8(b.ville))},
+             {"b_nom_responsable", QStringLiteral("Direction du centre")},
+             {"b_fac_nom", QStringLiteral("SAS Loisirs %1").arg(QString::fromUtf8(b.ville))},
+             {"b_fac_ad1", QString::fromUtf8(b.ad1)},
+             {"b_fac_ad2", ""},
+             {"b_fac_ad3", ""},
+             {"b_fac_ad4", ""},
+             {"b_fac_cp", QString::fromUtf8(b.cp)},
+             {"b_fac_ville", QString::fromUtf8(b.ville)},
+             {"b_date_enreg", today}});
     }
     for (const auto& c : kClubs) {
         const QString dept = QString::fromUtf8(c.dept);
         const QString num = format::zeroPad(c.num, 3);
         const QString code = QStringLiteral("CL") + dept.right(2) + num;
-        s.insert("strclub", {{"club_code", code},
-                             {"club_num", num},
-                             {"club_nom", QString::fromUtf8(c.nom)},
-                             {"club_type", "C"},
-                             {"club_region", QString::fromUtf8(c.region)},
-                             {"club_lr", QString::fromUtf8(c.region)},
-                             {"club_dept", dept},
-                             {"club_district", QString::fromUtf8(c.district)},
-                             {"club_bowling", ""},
-                             {"club_bowling_code", ""},
-                             {"club_president", QString::fromUtf8(c.president)},
-                             {"club_dirig", ""},
-                             {"club_ad1", QStringLiteral("Chez %1").arg(QString::fromUtf8(c.president))},
-                             {"club_ad2", QStringLiteral("%1 rue du Club").arg(c.num * 7)},
-                             {"club_ad3", ""},
-                             {"club_ad4", ""},
-                             {"club_cp", QString::fromUtf8(c.cp)},
-                             {"club_ville", QString::fromUtf8(c.ville)},
-                             {"club_mail1", QStringLiteral("contact.%1@clubs-bowling.example").arg(code.toLower())},
-                             {"club_mail2", ""},
-                             {"club_compta", format::zeroPad(410000 + dept.toInt() * 10 + c.num, 6)},
-                             {"club_date_enreg", today}});
+        s.insert(
+            "strclub",
+            {{"club_code", code},
+             {"club_num", num},
+             {"club_nom", QString::fromUtf8(c.nom)},
+             {"club_type", "C"},
+             {"club_region", QString::fromUtf8(c.region)},
+             {"club_lr", QString::fromUtf8(c.region)},
+             {"club_dept", dept},
+             {"club_district", QString::fromUtf8(c.district)},
+             {"club_bowling", ""},
+             {"club_bowling_code", ""},
+             {"club_president", QString::fromUtf8(c.president)},
+             {"club_dirig", ""},
+             {"club_ad1", QStringLiteral("Chez %1").arg(QString::fromUtf8(c.president))},
+             {"club_ad2", QStringLiteral("%1 rue du Club").arg(c.num * 7)},
+             {"club_ad3", ""},
+             {"club_ad4", ""},
+             {"club_cp", QString::fromUtf8(c.cp)},
+             {"club_ville", QString::fromUtf8(c.ville)},
+             {"club_mail1", QStringLiteral("contact.%1@clubs-bowling.example").arg(code.toLower())},
+             {"club_mail2", ""},
+             {"club_compta", format::zeroPad(410000 + dept.toInt() * 10 + c.num, 6)},
+             {"club_date_enreg", today}});
     }
     for (const auto& l : kLicensees) {
         s.insert("strlicence", {{"l_an", QString::number(season)},
@@ -401,20 +407,20 @@ void fillArticlesAndNatures(Store& s, int season) {
     }
     for (const char* t : {"FD", "PR", "LI", "DV", "JO"}) s.insert("strtypec", {{"t_code", t}});
     const std::pair<const char*, const char*> codes[] = {
-        {"1", "CUM"}, {"1", "NAT"}, {"2", "DM"}, {"2", "DF"},  {"2", "MX"}, {"3", "DE"},
+        {"1", "CUM"}, {"1", "NAT"}, {"2", "DM"},  {"2", "DF"},  {"2", "MX"}, {"3", "DE"},
         {"3", "IR"},  {"4", "R06"}, {"4", "R11"}, {"4", "R44"}, {"5", "S1"}, {"5", "S2"}};
     for (const auto& [num, value] : codes)
         s.insert("strcodification", {{"p_num", num}, {"p_valeur", value}});
-    s.insert("strmail",
-             {{"mail_nom", "facture"},
-              {"mail_memo", QStringLiteral("Bonjour,\n\nVeuillez trouver ci-joint votre facture.\n"
-                                           "Nous vous remercions de votre règlement à réception.\n\n"
-                                           "Le service comptable de la K.V.A.R.N.")}});
-    s.insert("strmail",
-             {{"mail_nom", "avoir"},
-              {"mail_memo", QStringLiteral("Bonjour,\n\nVeuillez trouver ci-joint un avoir annulant "
-                                           "une facture précédente.\n\nLe service comptable de la "
-                                           "K.V.A.R.N.")}});
+    s.insert("strmail", {{"mail_nom", "facture"},
+                         {"mail_memo",
+                          QStringLiteral("Bonjour,\n\nVeuillez trouver ci-joint votre facture.\n"
+                                         "Nous vous remercions de votre règlement à réception.\n\n"
+                                         "Le service comptable de la K.V.A.R.N.")}});
+    s.insert("strmail", {{"mail_nom", "avoir"},
+                         {"mail_memo",
+                          QStringLiteral("Bonjour,\n\nVeuillez trouver ci-joint un avoir annulant "
+                                         "une facture précédente.\n\nLe service comptable de la "
+                                         "K.V.A.R.N.")}});
 }
 
 void writeSettings(const QString& dir) {
@@ -438,8 +444,9 @@ void writeSettings(const QString& dir) {
 }  // namespace
 
 void createDemoInstallation(const QString& dir, const QDate& today) {
-    createInstallation(dir, {QStringLiteral("JKV"), QStringLiteral("Fédération KVARN (démonstration)"),
-                             QStringLiteral("D1")},
+    createInstallation(dir,
+                       {QStringLiteral("JKV"), QStringLiteral("Fédération KVARN (démonstration)"),
+                        QStringLiteral("D1")},
                        today);
     writeSettings(dir);
     auto store = Store::open(QDir(dir).filePath(QStringLiteral("donnees")));

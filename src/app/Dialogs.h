@@ -9,7 +9,7 @@ namespace orve::app {
 // Every message and question the operator sees goes through here, so a test
 // can read them and answer them.
 class Dialogs {
-public:
+  public:
     virtual ~Dialogs() = default;
     virtual void inform(const QString& text) = 0;
     virtual bool ask(const QString& text) = 0;  // yes / no
@@ -24,7 +24,7 @@ public:
 // Records what is shown and answers from queues; a question or a file choice
 // with nothing queued is a failure of the test, reported by `failure()`.
 class ScriptedDialogs : public Dialogs {
-public:
+  public:
     void inform(const QString& text) override;
     bool ask(const QString& text) override;
     QString chooseFolder(const QString& title, const QString& start) override;
@@ -42,7 +42,7 @@ public:
     void clearFailure() { m_failure.clear(); }
     bool answersPending() const { return !m_answers.empty(); }
 
-private:
+  private:
     QString takeChoice(const QString& title);
     std::deque<QString> m_shown;
     std::deque<bool> m_answers;

@@ -10,8 +10,8 @@ MenuEntry top(const char* name, const char* caption) {
 }
 MenuEntry item(int level, const char* name, const char* caption, const char* screen = "",
                const char* mode = "") {
-    return {QString::fromLatin1(name), QString::fromUtf8(caption), level,
-            QString::fromLatin1(screen), QString::fromLatin1(mode), true};
+    return {QString::fromLatin1(name),   QString::fromUtf8(caption), level,
+            QString::fromLatin1(screen), QString::fromLatin1(mode),  true};
 }
 // Entries that lead to no screen in this system are kept out of sight.
 MenuEntry hidden(int level, const char* name, const char* caption, const char* mode = "") {
@@ -20,9 +20,7 @@ MenuEntry hidden(int level, const char* name, const char* caption, const char* m
     return e;
 }
 // Maintenance tools are run, not opened: their "screen" is the tool's own name.
-MenuEntry tool(const char* name, const char* caption) {
-    return item(1, name, caption, name);
-}
+MenuEntry tool(const char* name, const char* caption) { return item(1, name, caption, name); }
 }  // namespace
 
 const std::vector<MenuEntry>& menuTree() {
@@ -34,7 +32,8 @@ const std::vector<MenuEntry>& menuTree() {
         item(2, "mnu_fic_tiers_dept", "les &Départements", "ORVE_tiers_dept"),
         item(2, "mnu_fic_tiers_bowling", "les centres de &Bowling", "ORVE_tiers_bowling"),
         item(2, "mnu_fic_tiers_clubs", "les &Clubs", "ORVE_tiers_club"),
-        item(1, "mnu_fic_mnu_fic_naturec_gestion", "les &Natures de compétitions", "ORVE_ges_naturec"),
+        item(1, "mnu_fic_mnu_fic_naturec_gestion", "les &Natures de compétitions",
+             "ORVE_ges_naturec"),
         item(1, "mnu_fic_parametre_article", "&Articles à facturer", "ORVE_ges_article"),
         item(1, "mnu_fic_base_fede", "&Intégration Données"),
         item(2, "mnu_fic_prive", "import compétitions &Privées ", "ORVE_int_prive"),
@@ -51,12 +50,16 @@ const std::vector<MenuEntry>& menuTree() {
         item(1, "mnu_fic_parametre_droits", "&Droits acces"),
         item(1, "mnu_fic_usb", "&Sauvegarde USB", "Frame5"),
         top("mnu_facturation", "&Facturation"),
-        item(1, "mnu_facturation_globale", "facturation &Compétitions", "ORVE_facture_creation", "COMPET"),
-        item(1, "mnu_facturation_creation", "facturation &Licences", "ORVE_facture_creation", "LIC"),
+        item(1, "mnu_facturation_globale", "facturation &Compétitions", "ORVE_facture_creation",
+             "COMPET"),
+        item(1, "mnu_facturation_creation", "facturation &Licences", "ORVE_facture_creation",
+             "LIC"),
         item(1, "mnu_facturation_diverses", "Facturation &Divers", "ORVE_facture_creation", "DIV"),
         item(1, "mnu_facturation_li", "Facturation &Ligues (LI)", "ORVE_facture_creation", "LI"),
-        item(1, "mnu_facturation_JORE", "Facturation &J.Rég ou Dept (JORE)", "ORVE_facture_creation", "JORE"),
-        item(1, "mnu_facturation_prive_m", "facturation &Privé (complément)", "ORVE_facture_creation", "PRIVE"),
+        item(1, "mnu_facturation_JORE", "Facturation &J.Rég ou Dept (JORE)",
+             "ORVE_facture_creation", "JORE"),
+        item(1, "mnu_facturation_prive_m", "facturation &Privé (complément)",
+             "ORVE_facture_creation", "PRIVE"),
         item(1, "mnu_facturation_prive", "facturation &Privé (JKV)", "ORVE_facture_jkv"),
         item(1, "mnu_facturation_cdc", "facturation &CDC Nat. (JKV)", "ORVE_facture_cdc"),
         item(1, "mnu_facturation_journal", "&Journal des ventes", "ORVE_facture_jalvente"),
@@ -95,10 +98,10 @@ const std::vector<MenuEntry>& menuTree() {
 }
 
 bool isAdministratorEntry(const QString& name) {
-    static const QStringList admin{"mnu_facturation_prive", "mnu_fic_prive",
+    static const QStringList admin{"mnu_facturation_prive",    "mnu_fic_prive",
                                    "mnu_fic_parametre_droits", "mnu_fic_base_fede",
-                                   "mnu_facturation_prive_m", "mnu_facturation_cdc",
-                                   "mnu_facturation_JORE", "mnu_facturation_li"};
+                                   "mnu_facturation_prive_m",  "mnu_facturation_cdc",
+                                   "mnu_facturation_JORE",     "mnu_facturation_li"};
     return admin.contains(name);
 }
 

@@ -25,9 +25,7 @@ QString hashPassword(const QString& password) {
     return QString::fromLatin1(out);
 }
 
-bool isPasswordHash(const QString& stored) {
-    return stored.startsWith(QStringLiteral("$argon2"));
-}
+bool isPasswordHash(const QString& stored) { return stored.startsWith(QStringLiteral("$argon2")); }
 
 bool passwordMatches(const QString& stored, const QString& typed) {
     if (!isPasswordHash(stored)) return stored == typed;

@@ -28,7 +28,7 @@ struct Operator {
 // Everything a screen or a rule may know about where it runs and who runs it.
 // One per program run, passed in; nothing of it lives in globals.
 class Session {
-public:
+  public:
     Session(QString programFolder, QString dataFolder, QString invoiceFolder,
             std::unique_ptr<store::Store> store, Installation installation, Clock clock);
 
@@ -58,7 +58,7 @@ public:
     Clock& clock() { return m_clock; }
     QDate today() const { return m_clock.today(); }
 
-private:
+  private:
     QString m_programFolder;
     QString m_dataFolder;
     QString m_invoiceFolder;

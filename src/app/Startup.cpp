@@ -51,7 +51,8 @@ QString readPathFile(const QString& programFolder, const QString& fileName) {
 }
 
 std::unique_ptr<Session> startSession(const QString& programFolder, const Clock& clock) {
-    const QString dataFolder = resolveFolder(programFolder, readPathFile(programFolder, kBasePathFile));
+    const QString dataFolder =
+        resolveFolder(programFolder, readPathFile(programFolder, kBasePathFile));
     const QString invoiceFolder =
         resolveFolder(programFolder, readPathFile(programFolder, kInvoicePathFile));
     if (!QFileInfo(dataFolder).isDir()) {
@@ -60,17 +61,16 @@ std::unique_ptr<Session> startSession(const QString& programFolder, const Clock&
                           .arg(QDir::toNativeSeparators(dataFolder), kBasePathFile));
     }
     auto store = store::Store::open(dataFolder);
-    const auto row = store->selectOne(QStringLiteral(
-        "SELECT spe_cod, spe_nom, spe_district, spe_debut_exe_tri, spe_fin_exe_tri "
-        "FROM strspecif LIMIT 1"));
+    const auto row = store->selectOne(
+        QStringLiteral("SELECT spe_cod, spe_nom, spe_district, spe_debut_exe_tri, spe_fin_exe_tri "
+                       "FROM strspecif LIMIT 1"));
     if (!row) {
         throw Refusal(QStringLiteral("La table strspecif de %1 est vide : l'installation n'a pas "
                                      "de paramètres. Créez-les avec « orve-batch init ».")
                           .arg(QDir::toNativeSeparators(store->path(store::File::Jkv))));
     }
-    Installation inst{row->value(0).toString(), row->value(1).toString(),
-                      row->value(2).toString(), row->value(3).toString(),
-                      row->value(4).toString()};
+    Installation inst{row->value(0).toString(), row->value(1).toString(), row->value(2).toString(),
+                      row->value(3).toString(), row->value(4).toString()};
     return std::make_unique<Session>(programFolder, dataFolder, invoiceFolder, std::move(store),
                                      inst, clock);
 }

@@ -5,8 +5,8 @@
 
 namespace orve::app {
 
-void addUser(store::Store& store, const QString& login, const QString& league,
-             const QString& mail, const QString& password) {
+void addUser(store::Store& store, const QString& login, const QString& league, const QString& mail,
+             const QString& password) {
     if (login.trimmed().isEmpty()) throw Refusal(QStringLiteral("Le login est obligatoire."));
     if (password.isEmpty()) throw Refusal(QStringLiteral("Le mot de passe est obligatoire."));
     store::Transaction tx(store);

@@ -7,8 +7,8 @@
 namespace orve::app {
 
 // Adds an operator with a hashed password. Refuses an existing login.
-void addUser(store::Store& store, const QString& login, const QString& league,
-             const QString& mail, const QString& password);
+void addUser(store::Store& store, const QString& login, const QString& league, const QString& mail,
+             const QString& password);
 // Replaces an operator's password. Refuses an unknown login.
 void changePassword(store::Store& store, const QString& login, const QString& password);
 

@@ -22,10 +22,13 @@ store::Row row(const store::Store& s, const QString& sql, const QString& key) {
 // columns prefix + "_president", "_ad1".., "_cp", "_ville", "_mail1", "_mail2".
 InvoiceParty partyOf(const store::Row& r, const QString& account, const QString& prefix,
                      const QString& name) {
-    auto col = [&](const char* suffix) { return r.value(prefix + QLatin1String(suffix)).toString(); };
-    return {account, QString(), name, col("_president"), col("_ad1"), col("_ad2"), col("_ad3"),
-            col("_ad4"), col("_cp") + QStringLiteral(" ") + col("_ville"), col("_mail1"),
-            col("_mail2")};
+    auto col = [&](const char* suffix) {
+        return r.value(prefix + QLatin1String(suffix)).toString();
+    };
+    return {account,           QString(),    name,
+            col("_president"), col("_ad1"),  col("_ad2"),
+            col("_ad3"),       col("_ad4"),  col("_cp") + QStringLiteral(" ") + col("_ville"),
+            col("_mail1"),     col("_mail2")};
 }
 
 InvoiceParty club(const store::Store& s, const QString& code) {
@@ -61,10 +64,10 @@ InvoiceHeader header(const store::Store& s, const QString& index, const QDate& d
 }
 
 Money price(const store::Store& s, const QString& article) {
-    return Money::fromVariant(s.scalar(
-        QStringLiteral("SELECT t_tarif FROM strtarifsaison WHERE t_article = ? "
-                       "ORDER BY t_saison DESC LIMIT 1"),
-        {article}));
+    return Money::fromVariant(
+        s.scalar(QStringLiteral("SELECT t_tarif FROM strtarifsaison WHERE t_article = ? "
+                                "ORDER BY t_saison DESC LIMIT 1"),
+                 {article}));
 }
 
 QString articleText(const store::Store& s, const QString& article) {
@@ -115,16 +118,16 @@ void createDemoInvoices(store::Store& s, const QDate& today) {
     misc.deposit = Money::fromCents(5000);
     const QString miscNumber = createInvoice(s, misc, today);
     fill(s, miscNumber,
-         {article(s, QStringLiteral("00000005"), 1), article(s, QStringLiteral("00000006"), 2),
+         {article(s, QStringLiteral("00000005"), 1),
+          article(s, QStringLiteral("00000006"), 2),
           {kFreeTextArticle, QStringLiteral("Location de la salle pour l'assemblée générale"), 1,
            Money::fromCents(25000)}});
 
     // A league's yearly subscription, made out on behalf of the league itself.
     const InvoiceParty lr06 = league(s, QStringLiteral("LR06"));
-    const QString leagueNumber =
-        createInvoice(s, header(s, kLeagueIndex, day, lr06, lr06), today);
-    fill(s, leagueNumber, {article(s, QStringLiteral("00000010"), 1),
-                           article(s, QStringLiteral("00000012"), 40)});
+    const QString leagueNumber = createInvoice(s, header(s, kLeagueIndex, day, lr06, lr06), today);
+    fill(s, leagueNumber,
+         {article(s, QStringLiteral("00000010"), 1), article(s, QStringLiteral("00000012"), 40)});
 
     // The committee's invoice is cancelled by a credit note.
     InvoiceHeader credit = header(s, kMiscIndex, today, committee(s, QStringLiteral("013")), none);

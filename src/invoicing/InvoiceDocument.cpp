@@ -1,7 +1,6 @@
 #include "invoicing/InvoiceDocument.h"
 
 #include <QDir>
-#include <filesystem>
 #include <QFile>
 #include <QFileInfo>
 #include <QFontDatabase>
@@ -13,6 +12,7 @@
 #include <QPdfWriter>
 #include <QRegularExpression>
 #include <QSettings>
+#include <filesystem>
 
 #include "app/Session.h"
 #include "store/Formats.h"
@@ -53,16 +53,17 @@ const QColor kBlack(0, 0, 0);
 
 // Font sizes along the page.
 constexpr int kTitleSize = 12, kClientSize = 11, kBilledSize = 12, kCompetitionSize = 10,
-              kHeadSize = 10, kRowSize = 10, kTotalsSize = 12, kTermsSize = 10,
-              kNoticeSize = 8, kSlipSize = 10, kFooterNameSize = 14, kFooterSize = 12;
+              kHeadSize = 10, kRowSize = 10, kTotalsSize = 12, kTermsSize = 10, kNoticeSize = 8,
+              kSlipSize = 10, kFooterNameSize = 14, kFooterSize = 12;
 
 // The metric twin of Times New Roman where it is installed; Times New Roman itself elsewhere.
 QString fontFamily() {
     static const QString family = [] {
         const QString twin = QStringLiteral("Liberation Serif");
         if (QFontDatabase::families().contains(twin)) return twin;
-        for (const char* path : {"/usr/share/fonts/truetype/liberation2/LiberationSerif-Regular.ttf",
-                                 "/usr/share/fonts/truetype/liberation/LiberationSerif-Regular.ttf"}) {
+        for (const char* path :
+             {"/usr/share/fonts/truetype/liberation2/LiberationSerif-Regular.ttf",
+              "/usr/share/fonts/truetype/liberation/LiberationSerif-Regular.ttf"}) {
             const int id = QFontDatabase::addApplicationFont(QString::fromLatin1(path));
             if (id >= 0) {
                 const QStringList fams = QFontDatabase::applicationFontFamilies(id);
@@ -122,7 +123,7 @@ QFont documentFont(int size) {
 
 // Draws text whose top stands at y, as the layout gives positions.
 class Page {
-public:
+  public:
     explicit Page(QPainter& p) : m_p(p) {}
     void font(int size, const QColor& colour = kBlack) {
         m_p.setFont(documentFont(size));
@@ -144,11 +145,13 @@ public:
     int width(const QString& t) const { return m_p.fontMetrics().horizontalAdvance(t); }
     QPainter& painter() { return m_p; }
 
-private:
+  private:
     QPainter& m_p;
 };
 
-QString field(const store::Row& r, const char* name) { return r.value(QLatin1String(name)).toString(); }
+QString field(const store::Row& r, const char* name) {
+    return r.value(QLatin1String(name)).toString();
+}
 
 // Blank lines of an address are left out.
 QStringList nonBlank(std::initializer_list<QString> lines) {
@@ -242,27 +245,29 @@ void paintAddresses(Page& page, const InvoiceDocumentData& doc, bool client) {
                         QStringLiteral("Client concerné : ") + doc.clientAccount,
                         kPageWidth - kClientX - 400);
         int y = kBlocksY;
-        for (const QString& l : doc.client) page.textWithin(kClientX, y += kLineStep, l, kPageWidth - kClientX - 400);
+        for (const QString& l : doc.client)
+            page.textWithin(kClientX, y += kLineStep, l, kPageWidth - kClientX - 400);
         competitionY = std::max(kCompetitionY, blockBottom(kBlocksY, int(doc.client.size())) + 150);
     }
     page.font(kBilledSize);
     page.text(kBilledX, kBlocksY, QStringLiteral("Adresse de facturation :  "));
     int y = kBlocksY;
-    for (const QString& l : doc.billed) page.textWithin(kBilledX, y += kLineStep, l, kClientX - kBilledX - 200);
+    for (const QString& l : doc.billed)
+        page.textWithin(kBilledX, y += kLineStep, l, kClientX - kBilledX - 200);
 
     page.font(kCompetitionSize, kBlue);
     page.text(kCompetitionX, competitionY, QStringLiteral("Discipline : Bowling"));
     page.font(kCompetitionSize);
     const int width = kPageWidth - kCompetitionX - 300;
     page.textWithin(kCompetitionX, competitionY + kCompetitionStep,
-                    QStringLiteral("Compétition : ") + doc.competitionTitle + QStringLiteral(" du ") +
-                        doc.competitionDate,
+                    QStringLiteral("Compétition : ") + doc.competitionTitle +
+                        QStringLiteral(" du ") + doc.competitionDate,
                     width);
-    page.textWithin(kCompetitionX, competitionY + 2 * kCompetitionStep,
-                    QStringLiteral("N° Interne : ") +
-                        QStringList{QStringLiteral("BW"), doc.season, doc.code1, doc.code2}.join(
-                            QChar('-')),
-                    width);
+    page.textWithin(
+        kCompetitionX, competitionY + 2 * kCompetitionStep,
+        QStringLiteral("N° Interne : ") +
+            QStringList{QStringLiteral("BW"), doc.season, doc.code1, doc.code2}.join(QChar('-')),
+        width);
 }
 
 void paintTotalsAndSlip(Page& page, const InvoiceDocumentData& doc, int tableBottom,
@@ -294,7 +299,8 @@ void paintTotalsAndSlip(Page& page, const InvoiceDocumentData& doc, int tableBot
         page.text(kNoticeX, t + 1500,
                   QStringLiteral("Les Règlements sont à effectuer à l'ordre de la K.V.A.R.N."));
         page.font(kNoticeSize);
-        page.text(kNoticeX, t + 1800, QStringLiteral("GAGNEZ DU TEMPS ! Règlez par virement bancaire."));
+        page.text(kNoticeX, t + 1800,
+                  QStringLiteral("GAGNEZ DU TEMPS ! Règlez par virement bancaire."));
         page.text(kNoticeX, t + 2100, QStringLiteral("Domiciliation : ") + head.bank);
         page.text(kNoticeX, t + 2400, QStringLiteral("IBAN : ") + head.iban);
         page.text(kNoticeX, t + 2700, QStringLiteral("BIC : ") + head.bic);
@@ -308,10 +314,11 @@ void paintTotalsAndSlip(Page& page, const InvoiceDocumentData& doc, int tableBot
     const int w = kSlipWidth - 200;
     page.textWithin(x, kSlipY + 150, QStringLiteral("Coupon à joindre à votre règlement"), w);
     page.textWithin(x, kSlipY + 500, QStringLiteral("Client : ") + doc.billedName, w);
-    page.textWithin(x, kSlipY + 800,
-                    (doc.creditNote ? QStringLiteral("Avoir N° : ") : QStringLiteral("Facture N° : ")) +
-                        doc.number,
-                    w);
+    page.textWithin(
+        x, kSlipY + 800,
+        (doc.creditNote ? QStringLiteral("Avoir N° : ") : QStringLiteral("Facture N° : ")) +
+            doc.number,
+        w);
     page.textWithin(x, kSlipY + 1100, QStringLiteral("Date facture : ") + doc.date, w);
     page.textWithin(x, kSlipY + 1400, QStringLiteral("Date échéance : ") + doc.dueDate, w);
     page.textWithin(x, kSlipY + 1700, QStringLiteral("Montant : ") + format::amountEuro(net), w);
@@ -336,10 +343,11 @@ void writePdf(const QString& path, const InvoiceDocumentData& doc, const Documen
     {
         QPdfWriter writer(&file);
         writer.setResolution(1440);
-        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
-                                         QMarginsF(0, 0, 0, 0)));
-        writer.setTitle((doc.creditNote ? QStringLiteral("Avoir N° ") : QStringLiteral("Facture N° ")) +
-                        doc.number);
+        writer.setPageLayout(
+            QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(0, 0, 0, 0)));
+        writer.setTitle(
+            (doc.creditNote ? QStringLiteral("Avoir N° ") : QStringLiteral("Facture N° ")) +
+            doc.number);
         writer.setCreator(QStringLiteral("ORVE"));
         QPainter painter;
         if (!painter.begin(&writer)) throw failed(QStringLiteral("document impossible à produire"));
@@ -352,8 +360,9 @@ void writePdf(const QString& path, const InvoiceDocumentData& doc, const Documen
     std::filesystem::rename(part.toStdU16String(), path.toStdU16String(), ec);
     if (ec) {
         QFile::remove(part);
-        throw StoreError(QStringLiteral("Impossible de remplacer le fichier %1 : %2")
-                             .arg(QDir::toNativeSeparators(path), QString::fromLocal8Bit(ec.message().c_str())));
+        throw StoreError(
+            QStringLiteral("Impossible de remplacer le fichier %1 : %2")
+                .arg(QDir::toNativeSeparators(path), QString::fromLocal8Bit(ec.message().c_str())));
     }
 }
 
@@ -366,9 +375,10 @@ InvoiceDocumentData fromHeader(const store::Store& store, const store::Row& h) {
     d.account = field(h, "ent_tiers_fact").trimmed();
     d.entity = field(h, "ent_fact_entite").trimmed();
     d.billedName = field(h, "ent_fact_lib").trimmed();
-    d.billed = nonBlank({field(h, "ent_fact_lib"), field(h, "ent_fact_president"),
-                         field(h, "ent_fact_ad1"), field(h, "ent_fact_ad2"), field(h, "ent_fact_ad3"),
-                         field(h, "ent_fact_ad4"), field(h, "ent_fact_cp_ville")});
+    d.billed =
+        nonBlank({field(h, "ent_fact_lib"), field(h, "ent_fact_president"),
+                  field(h, "ent_fact_ad1"), field(h, "ent_fact_ad2"), field(h, "ent_fact_ad3"),
+                  field(h, "ent_fact_ad4"), field(h, "ent_fact_cp_ville")});
     d.clientAccount = field(h, "ent_tiers_clt").trimmed();
     if (d.clientAccount.isEmpty()) d.clientAccount = field(h, "ent_clt_entite").trimmed();
     d.client = nonBlank({field(h, "ent_clt_lib"), field(h, "ent_clt_president"),
@@ -406,9 +416,10 @@ Letterhead Letterhead::fromSettings(const QString& iniPath) {
     // A logo file named relative to the program folder.
     const QString logo = ini.value("logo").toString().trimmed();
     if (!logo.isEmpty())
-        l.logo = logo.startsWith(QChar(':')) ? logo
-                                             : QDir(QFileInfo(iniPath).absolutePath()).absoluteFilePath(
-                                                   QDir::fromNativeSeparators(logo));
+        l.logo = logo.startsWith(QChar(':'))
+                     ? logo
+                     : QDir(QFileInfo(iniPath).absolutePath())
+                           .absoluteFilePath(QDir::fromNativeSeparators(logo));
     ini.endGroup();
     ini.beginGroup(QStringLiteral("documents"));
     l.printer = ini.value("imprimante").toString().trimmed();
@@ -447,10 +458,11 @@ Money InvoiceDocumentData::total() const {
 }
 
 InvoiceDocumentData loadInvoiceDocument(const store::Store& store, const QString& number) {
-    const auto header = store.selectOne(
-        QStringLiteral("SELECT * FROM strentete WHERE ent_fact_no = ?"),
-        {QString::number(format::leadingNumber(number))});
-    if (!header) throw Refusal(QStringLiteral("La facture N° %1 n'existe pas.").arg(number.trimmed()));
+    const auto header =
+        store.selectOne(QStringLiteral("SELECT * FROM strentete WHERE ent_fact_no = ?"),
+                        {QString::number(format::leadingNumber(number))});
+    if (!header)
+        throw Refusal(QStringLiteral("La facture N° %1 n'existe pas.").arg(number.trimmed()));
     InvoiceDocumentData d = fromHeader(store, *header);
     if (d.lines.empty()) throw Refusal(QStringLiteral("aucune ligne sur cette facture"));
     return d;
@@ -470,9 +482,8 @@ QString invoicePdfPath(const QString& invoiceFolder, const QString& account, con
     // Either separator may come from the path file.
     QString folder = invoiceFolder.trimmed();
     folder.replace(QChar('\\'), QChar('/'));
-    return QDir(folder)
-        .filePath(party + QStringLiteral("_FN_") + paddedInvoiceNumber(number) +
-                  QStringLiteral(".pdf"));
+    return QDir(folder).filePath(party + QStringLiteral("_FN_") + paddedInvoiceNumber(number) +
+                                 QStringLiteral(".pdf"));
 }
 
 std::vector<int> paginateLines(int lineCount, int firstPageHeadY) {
@@ -489,7 +500,8 @@ std::vector<int> paginateLines(int lineCount, int firstPageHeadY) {
             return pages;
         }
         // Fill the page, but carry a few lines over to stand above the totals.
-        const int take = std::min(capacity(kFullTableBottom), remaining - std::min(5, remaining - 1));
+        const int take =
+            std::min(capacity(kFullTableBottom), remaining - std::min(5, remaining - 1));
         pages.push_back(take);
         remaining -= take;
         headY = kNextPageHeadY;
@@ -520,15 +532,18 @@ void paintInvoiceDocument(QPainter& painter, QPagedPaintDevice& device,
 QString generateInvoicePdf(store::Store& store, const DocumentSettings& settings,
                            const QString& number) {
     const InvoiceDocumentData doc = loadInvoiceDocument(store, number);
-    const QString path = invoicePdfPath(settings.invoiceFolder, doc.account, doc.entity, doc.number);
+    const QString path =
+        invoicePdfPath(settings.invoiceFolder, doc.account, doc.entity, doc.number);
     writePdf(path, doc, settings);
     store::Transaction tx(store);
-    store.update(QStringLiteral("strentete"),
-                 {{"ent_fact_edt", "O"}, {"ent_montant", QVariant::fromValue<qint64>(doc.total().cents())}},
-                 QStringLiteral("ent_fact_no = ?"), {doc.number});
-    store.update(QStringLiteral("strcompetition"),
-                 {{"c_facture", "F"}, {"c_edt_fact", "OUI"}, {"c_add_tiers", "N"}, {"c_envoi_mail", "N"}},
-                 QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {doc.number});
+    store.update(
+        QStringLiteral("strentete"),
+        {{"ent_fact_edt", "O"}, {"ent_montant", QVariant::fromValue<qint64>(doc.total().cents())}},
+        QStringLiteral("ent_fact_no = ?"), {doc.number});
+    store.update(
+        QStringLiteral("strcompetition"),
+        {{"c_facture", "F"}, {"c_edt_fact", "OUI"}, {"c_add_tiers", "N"}, {"c_envoi_mail", "N"}},
+        QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {doc.number});
     tx.commit();
     return path;
 }
@@ -536,8 +551,9 @@ QString generateInvoicePdf(store::Store& store, const DocumentSettings& settings
 std::vector<QString> generateCreditNotePdfs(store::Store& store, const DocumentSettings& settings,
                                             const QString& first, const QString& last) {
     const auto headers = store.select(
-        QStringLiteral("SELECT ent_fact_no FROM strentete WHERE CAST(ent_fact_no AS INTEGER) "
-                       "BETWEEN ? AND ? AND ent_fact_type = ? ORDER BY CAST(ent_fact_no AS INTEGER)"),
+        QStringLiteral(
+            "SELECT ent_fact_no FROM strentete WHERE CAST(ent_fact_no AS INTEGER) "
+            "BETWEEN ? AND ? AND ent_fact_type = ? ORDER BY CAST(ent_fact_no AS INTEGER)"),
         {format::leadingNumber(first), format::leadingNumber(last), kCreditNoteType});
     std::vector<QString> written;
     for (const auto& h : headers) {
@@ -558,13 +574,16 @@ int findPrinter(const QStringList& printerNames, const QString& name) {
     // "*" any run of characters, "?" one character; everything else literally.
     QString pattern;
     for (const QChar c : name.toLower()) {
-        if (c == QChar('*')) pattern += QStringLiteral(".*");
-        else if (c == QChar('?')) pattern += QChar('.');
-        else pattern += QRegularExpression::escape(QString(c));
+        if (c == QChar('*'))
+            pattern += QStringLiteral(".*");
+        else if (c == QChar('?'))
+            pattern += QChar('.');
+        else
+            pattern += QRegularExpression::escape(QString(c));
     }
-    const QRegularExpression re(QRegularExpression::anchoredPattern(pattern),
-                                QRegularExpression::CaseInsensitiveOption |
-                                    QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpression re(
+        QRegularExpression::anchoredPattern(pattern),
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
     for (int i = 0; i < printerNames.size(); ++i)
         if (re.match(printerNames[i].toLower()).hasMatch()) return i;
     return -1;

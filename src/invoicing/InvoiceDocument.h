@@ -79,8 +79,8 @@ bool showsClientBlock(const QString& account, const DocumentSettings& settings);
 
 // invoice folder / (entity code when not blank, else account) + "_FN_" +
 // eight-digit number + ".pdf": the mailing builds the same name.
-QString invoicePdfPath(const QString& invoiceFolder, const QString& account,
-                       const QString& entity, const QString& number);
+QString invoicePdfPath(const QString& invoiceFolder, const QString& account, const QString& entity,
+                       const QString& number);
 
 // How many lines each page takes, so that the totals, the notice and the
 // slip fit under the last ones. `firstPageHeadY` is where the first page's

@@ -95,7 +95,8 @@ void insertLine(Store& store, const store::Row& header, const QString& lineNumbe
 
 InvoiceTotal writeTotal(Store& store, const QString& number) {
     const Money total = Money::fromVariant(store.scalar(
-        QStringLiteral("SELECT COALESCE(SUM(f_montant), 0) FROM strfacture WHERE f_num_facture = ?"),
+        QStringLiteral(
+            "SELECT COALESCE(SUM(f_montant), 0) FROM strfacture WHERE f_num_facture = ?"),
         {paddedInvoiceNumber(number)}));
     const QString type = total.isNegative() ? kCreditNoteType : kInvoiceType;
     store.update(QStringLiteral("strentete"), {{"ent_fact_type", type}},
@@ -121,8 +122,10 @@ QDate validateHeader(const InvoiceHeader& header) {
     if (text.isEmpty() || text == format::kEmptyDateMask)
         throw Refusal(QStringLiteral("date obligatoire"));
     const auto date = format::parseDisplayDate(text);
-    if (!date) throw Refusal(QStringLiteral("la date : ") + text + QStringLiteral(" n'est pas valide"));
-    if (!header.billed.isChosen()) throw Refusal(QStringLiteral("veuillez sélectionner un facturé"));
+    if (!date)
+        throw Refusal(QStringLiteral("la date : ") + text + QStringLiteral(" n'est pas valide"));
+    if (!header.billed.isChosen())
+        throw Refusal(QStringLiteral("veuillez sélectionner un facturé"));
     return *date;
 }
 
@@ -189,15 +192,15 @@ QString appendLine(Store& store, const QString& number, const InvoiceLine& line)
 void updateLine(Store& store, const QString& number, const QString& lineNumber,
                 const InvoiceLine& line) {
     Transaction tx(store);
-    const int changed = store.update(
-        QStringLiteral("strfacture"),
-        {{"f_article", line.article},
-         {"f_libelle", line.text},
-         {"f_qte", line.quantity},
-         {"f_pu", QVariant::fromValue<qint64>(line.unitPrice.cents())},
-         {"f_montant", QVariant::fromValue<qint64>(line.amount().cents())}},
-        QStringLiteral("f_num_facture = ? AND f_num_lig = ?"),
-        {paddedInvoiceNumber(number), lineNumber});
+    const int changed =
+        store.update(QStringLiteral("strfacture"),
+                     {{"f_article", line.article},
+                      {"f_libelle", line.text},
+                      {"f_qte", line.quantity},
+                      {"f_pu", QVariant::fromValue<qint64>(line.unitPrice.cents())},
+                      {"f_montant", QVariant::fromValue<qint64>(line.amount().cents())}},
+                     QStringLiteral("f_num_facture = ? AND f_num_lig = ?"),
+                     {paddedInvoiceNumber(number), lineNumber});
     if (changed == 0)
         throw Refusal(QStringLiteral("La ligne %1 de la facture N° %2 n'existe pas.")
                           .arg(lineNumber, number.trimmed()));
@@ -240,10 +243,10 @@ int copyLines(Store& store, const QString& fromNumber, const QString& toNumber, 
               const QDate& date) {
     Transaction tx(store);
     const store::Row target = requireHeader(store, toNumber);
-    const auto rows = store.select(
-        QStringLiteral("SELECT * FROM strfacture WHERE f_num_facture = ? "
-                       "ORDER BY CAST(f_num_lig AS INTEGER), f_num_lig"),
-        {paddedInvoiceNumber(fromNumber)});
+    const auto rows =
+        store.select(QStringLiteral("SELECT * FROM strfacture WHERE f_num_facture = ? "
+                                    "ORDER BY CAST(f_num_lig AS INTEGER), f_num_lig"),
+                     {paddedInvoiceNumber(fromNumber)});
     for (const auto& r : rows) {
         store.insert(QStringLiteral("strfacture"),
                      {{"f_num_facture", paddedInvoiceNumber(toNumber)},

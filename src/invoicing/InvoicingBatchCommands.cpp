@@ -18,7 +18,8 @@ int pdf(app::BatchContext& c) {
     if (c.hasFlag(QStringLiteral("--credit-notes"))) {
         if (numbers.size() != 2)
             throw Refusal(QStringLiteral("Argument manquant. Usage : orve-batch %1").arg(kUsage));
-        const auto written = generateCreditNotePdfs(session.store(), settings, numbers[0], numbers[1]);
+        const auto written =
+            generateCreditNotePdfs(session.store(), settings, numbers[0], numbers[1]);
         for (const QString& path : written)
             c.out() << "document écrit : " << QDir::toNativeSeparators(path) << "\n";
         c.out() << written.size() << " avoir(s) édité(s)\n";

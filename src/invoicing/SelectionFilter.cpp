@@ -17,8 +17,9 @@ QString comboKey(const QString& item, bool labelFirst) {
 }
 
 QString natureTypeOfMode(const QString& mode) {
-    static const std::pair<const char*, const char*> kTypes[] = {
-        {"LIC", "LI"}, {"DIV", "DV"}, {"PRIVE", "PR"}, {"LI", "LI"}, {"JORE", "JO"}, {"COMPET", "FD"}};
+    static const std::pair<const char*, const char*> kTypes[] = {{"LIC", "LI"},   {"DIV", "DV"},
+                                                                 {"PRIVE", "PR"}, {"LI", "LI"},
+                                                                 {"JORE", "JO"},  {"COMPET", "FD"}};
     for (const auto& [m, t] : kTypes)
         if (mode.trimmed() == QLatin1String(m)) return QString::fromLatin1(t);
     return QString();
@@ -74,8 +75,7 @@ SelectionCondition buildSelectionCondition(const SelectionState& s) {
     add(QStringLiteral("c_saison = ?"), s.season.trimmed());
     // Codes compare without regard to case, as everywhere else.
     auto addKey = [&](const QString& column, const QString& key) {
-        if (!key.isEmpty())
-            add(QStringLiteral("upper(trim(%1)) = upper(?)").arg(column), key);
+        if (!key.isEmpty()) add(QStringLiteral("upper(trim(%1)) = upper(?)").arg(column), key);
     };
     addKey(QStringLiteral("c_type"), comboKey(s.type));
     addKey(QStringLiteral("c_nature"), comboKey(s.nature));
@@ -129,8 +129,8 @@ SelectionCondition buildSelectionCondition(const SelectionState& s) {
     c.where = parts.join(QStringLiteral(" AND "));
     if (!s.sortField.isEmpty() && isSortableColumn(s.sortField))
         c.orderBy = QStringLiteral(" ORDER BY %1 %2")
-                        .arg(s.sortField, s.sortDescending ? QStringLiteral("DESC")
-                                                           : QStringLiteral("ASC"));
+                        .arg(s.sortField,
+                             s.sortDescending ? QStringLiteral("DESC") : QStringLiteral("ASC"));
     return c;
 }
 
@@ -140,7 +140,8 @@ SelectionLists loadSelectionLists(const store::Store& store, const QString& mode
     l.seasons = seasonList(today);
     l.defaultSeason = QString::number(seasonOf(today));
     l.types << kAll;
-    for (const auto& r : store.select(QStringLiteral("SELECT t_code FROM strtypec ORDER BY t_code")))
+    for (const auto& r :
+         store.select(QStringLiteral("SELECT t_code FROM strtypec ORDER BY t_code")))
         l.types << r.value(0).toString().trimmed();
     l.natures << kAll;
     for (const auto& r :
@@ -150,8 +151,9 @@ SelectionLists loadSelectionLists(const store::Store& store, const QString& mode
         l.natures << r.value(0).toString().trimmed() + QStringLiteral(" # ") +
                          r.value(1).toString().trimmed();
     l.leagues << kAll;
-    for (const auto& r : store.select(QStringLiteral("SELECT o_code, o_libelle FROM strorganisateur "
-                                                     "WHERE o_genre = 'R' ORDER BY o_code")))
+    for (const auto& r :
+         store.select(QStringLiteral("SELECT o_code, o_libelle FROM strorganisateur "
+                                     "WHERE o_genre = 'R' ORDER BY o_code")))
         l.leagues << r.value(0).toString().trimmed() + QStringLiteral(" # ") +
                          r.value(1).toString().trimmed();
     l.departments = loadDepartments(store, kAll);

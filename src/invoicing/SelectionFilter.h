@@ -21,17 +21,17 @@ inline constexpr int kFirstSeason = 2013;
 // The panel's state, as its controls hold it. Combo texts are kept whole
 // ("LR06 # Provence", "Tous"); the rule takes the key itself.
 struct SelectionState {
-    QString season;             // Combo1
-    QString type = kAll;        // Combo2
-    QString nature = kAll;      // Combo3
-    QString league = kAll;      // Combo4
-    QString department = kAll;  // Combo5
-    QString organiserName;      // txtnom_organisateur
+    QString season;                                              // Combo1
+    QString type = kAll;                                         // Combo2
+    QString nature = kAll;                                       // Combo3
+    QString league = kAll;                                       // Combo4
+    QString department = kAll;                                   // Combo5
+    QString organiserName;                                       // txtnom_organisateur
     std::array<QString, 5> codes{kAll, kAll, kAll, kAll, kAll};  // Combo6..Combo10
-    QString month = kEmptyMonthMask;            // mskmois
-    QString invoiceNumber;                      // txtnofac
-    QString competitionIndex = kNoCompetition;  // txtcnum
-    QString sortField;                          // a column head clicked, "" for none
+    QString month = kEmptyMonthMask;                             // mskmois
+    QString invoiceNumber;                                       // txtnofac
+    QString competitionIndex = kNoCompetition;                   // txtcnum
+    QString sortField;  // a column head clicked, "" for none
     bool sortDescending = false;
 };
 
@@ -78,10 +78,10 @@ void toggleSort(SelectionState& state, const QString& field);
 // The lists the panel shows, read from the store for a screen mode.
 struct SelectionLists {
     QStringList seasons;
-    QStringList types;        // "Tous", t_code...
-    QStringList natures;      // "Tous", "n_code # n_libelle"...
-    QStringList leagues;      // "Tous", "o_code # o_libelle"...
-    QStringList departments;  // "Tous", "o_code # o_libelle"...
+    QStringList types;                 // "Tous", t_code...
+    QStringList natures;               // "Tous", "n_code # n_libelle"...
+    QStringList leagues;               // "Tous", "o_code # o_libelle"...
+    QStringList departments;           // "Tous", "o_code # o_libelle"...
     std::array<QStringList, 5> codes;  // "Tous", " ", p_valeur...
     QString defaultSeason;             // the season in progress
 };

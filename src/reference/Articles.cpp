@@ -37,7 +37,8 @@ QString natureDisplay(const QString& nature) {
 
 QString nextCode(store::Store& store) {
     const QVariant last = store.scalar(
-        QStringLiteral("select a_index from strarticle where a_index < ? order by a_index desc limit 1"),
+        QStringLiteral(
+            "select a_index from strarticle where a_index < ? order by a_index desc limit 1"),
         {kFirstReservedCode});
     if (last.isNull()) return format::zeroPad(1, 8);
     return format::zeroPad(format::leadingNumber(last.toString()) + 1, 8);
@@ -75,13 +76,15 @@ void save(store::Store& store, const QString& code, const ArticleEdit& edit) {
     store::Transaction tx(store);
     const QString key = formatNumber(code, 8);
     if (store.update("strarticle", fields, "a_index = ?", {key}) == 0)
-        throw Refusal(QStringLiteral("L'article %1 n'existe plus : rien n'a été enregistré.").arg(key));
+        throw Refusal(
+            QStringLiteral("L'article %1 n'existe plus : rien n'a été enregistré.").arg(key));
     tx.commit();
 }
 
 store::Rows tariffs(store::Store& store, const QString& article, const QString& nature) {
     return store.select(
-        QStringLiteral("select * from strtarifsaison where t_article = ? and t_nature = ? order by t_saison"),
+        QStringLiteral(
+            "select * from strtarifsaison where t_article = ? and t_nature = ? order by t_saison"),
         {article, nature});
 }
 
@@ -92,12 +95,14 @@ void saveTariff(store::Store& store, const TariffEdit& edit, bool adding) {
     if (edit.article.isEmpty()) throw Refusal(QStringLiteral("Choisissez d'abord un article."));
     const auto price = Money::parse(edit.price);
     if (!price)
-        throw Refusal(QStringLiteral("Le tarif doit être un montant en euros (par exemple 12,50) : %1")
-                          .arg(edit.price));
+        throw Refusal(
+            QStringLiteral("Le tarif doit être un montant en euros (par exemple 12,50) : %1")
+                .arg(edit.price));
     store::Transaction tx(store);
     const QString where = QStringLiteral("t_article = ? and t_saison = ? and t_nature = ?");
     const store::Params key{edit.article, season, edit.nature};
-    const bool found = store.exists(QStringLiteral("select 1 from strtarifsaison where ") + where, key);
+    const bool found =
+        store.exists(QStringLiteral("select 1 from strtarifsaison where ") + where, key);
     const store::Fields fields{{"t_article", edit.article},
                                {"t_saison", season},
                                {"t_tarif", qlonglong(price->cents())},
@@ -107,7 +112,8 @@ void saveTariff(store::Store& store, const TariffEdit& edit, bool adding) {
         store.insert("strtarifsaison", fields);
     } else {
         if (!found)
-            throw Refusal(QStringLiteral("Aucun tarif n'est enregistré pour la saison %1.").arg(season));
+            throw Refusal(
+                QStringLiteral("Aucun tarif n'est enregistré pour la saison %1.").arg(season));
         store.update("strtarifsaison", fields, where, key);
     }
     tx.commit();

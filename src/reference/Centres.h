@@ -28,8 +28,8 @@ ListItems leagueItems(store::Store& store, const Viewer& viewer);
 ListItems departmentItems(store::Store& store, const Viewer& viewer);
 
 struct CentreEdit {
-    Card card;             // the columns of cardColumns()
-    QString lanes;         // as typed: a whole number, empty for none
+    Card card;      // the columns of cardColumns()
+    QString lanes;  // as typed: a whole number, empty for none
     bool synthetic = false;
     QString approvalDate;  // the masked text, "__/__/____" when left empty
 };

@@ -11,8 +11,8 @@ const VisibilityColumns& visibility() {
 }
 
 const QStringList& cardColumns() {
-    static const QStringList columns{"club_nom", "club_president", "club_ad1", "club_ad2",
-                                     "club_ad3", "club_ad4",       "club_cp",  "club_ville",
+    static const QStringList columns{"club_nom",   "club_president", "club_ad1", "club_ad2",
+                                     "club_ad3",   "club_ad4",       "club_cp",  "club_ville",
                                      "club_mail1", "club_mail2"};
     return columns;
 }
@@ -35,43 +35,51 @@ QString clubKey(const QString& department, const QString& number) {
 namespace {
 ListItems leagues(const store::Rows& rows) {
     ListItems result;
-    for (const auto& r : rows) result.push_back({r.value("re_code").toString(), r.value("re_lib").toString()});
+    for (const auto& r : rows)
+        result.push_back({r.value("re_code").toString(), r.value("re_lib").toString()});
     return result;
 }
 ListItems departments(const store::Rows& rows) {
     ListItems result;
-    for (const auto& r : rows) result.push_back({r.value("de_no").toString(), r.value("de_lib").toString()});
+    for (const auto& r : rows)
+        result.push_back({r.value("de_no").toString(), r.value("de_lib").toString()});
     return result;
 }
 }  // namespace
 
 ListItems leagueItems(store::Store& store, const Viewer& viewer) {
-    if (viewer.isNational()) return leagues(store.select("select * from strregion order by re_code"));
+    if (viewer.isNational())
+        return leagues(store.select("select * from strregion order by re_code"));
     if (viewer.isCommitteeUser())
-        return leagues(store.select(
-            "select * from strregion where re_code in (select de_region from strdept where de_no = ?) "
-            "order by re_code",
-            {viewer.committeeNumber()}));
-    return leagues(store.select("select * from strregion where re_code = ? order by re_code", {viewer.league}));
+        return leagues(
+            store.select("select * from strregion where re_code in (select de_region from strdept "
+                         "where de_no = ?) "
+                         "order by re_code",
+                         {viewer.committeeNumber()}));
+    return leagues(store.select("select * from strregion where re_code = ? order by re_code",
+                                {viewer.league}));
 }
 
 ListItems departmentItems(store::Store& store, const Viewer& viewer) {
-    if (viewer.isNational()) return departments(store.select("select * from strdept order by de_no"));
+    if (viewer.isNational())
+        return departments(store.select("select * from strdept order by de_no"));
     if (viewer.isCommitteeUser())
-        return departments(
-            store.select("select * from strdept where de_no = ? order by de_no", {viewer.committeeNumber()}));
+        return departments(store.select("select * from strdept where de_no = ? order by de_no",
+                                        {viewer.committeeNumber()}));
     return departments(
         store.select("select * from strdept where de_region = ? order by de_no", {viewer.league}));
 }
 
 std::optional<ListItem> leagueItem(store::Store& store, const QString& code) {
-    const auto row = store.selectOne("select * from strregion where re_code = ?", {formatNumber(code, 2)});
+    const auto row =
+        store.selectOne("select * from strregion where re_code = ?", {formatNumber(code, 2)});
     if (!row) return std::nullopt;
     return ListItem{row->value("re_code").toString(), row->value("re_lib").toString()};
 }
 
 std::optional<ListItem> departmentItem(store::Store& store, const QString& number) {
-    const auto row = store.selectOne("select * from strdept where de_no = ?", {formatNumber(number, 3)});
+    const auto row =
+        store.selectOne("select * from strdept where de_no = ?", {formatNumber(number, 3)});
     if (!row) return std::nullopt;
     return ListItem{row->value("de_no").toString(), row->value("de_lib").toString()};
 }
@@ -93,9 +101,11 @@ store::Fields commonFields(const ClubEdit& edit, const QDate& today) {
 QString add(store::Store& store, const ClubEdit& edit, const QDate& today) {
     checkDistrict(edit);
     if (edit.league.trimmed().isEmpty()) throw Refusal(QStringLiteral("Ligue obligatoire"));
-    if (edit.department.trimmed().isEmpty()) throw Refusal(QStringLiteral("Département obligatoire"));
+    if (edit.department.trimmed().isEmpty())
+        throw Refusal(QStringLiteral("Département obligatoire"));
     if (!isWholeNumber(edit.number))
-        throw Refusal(QStringLiteral("Le numéro du club doit être un nombre : %1").arg(edit.number));
+        throw Refusal(
+            QStringLiteral("Le numéro du club doit être un nombre : %1").arg(edit.number));
     const QString department = formatNumber(edit.department, 3);
     const QString number = formatNumber(edit.number, 3);
     const QString key = clubKey(department, number);
@@ -115,7 +125,8 @@ void save(store::Store& store, const QString& code, const ClubEdit& edit, const 
     checkDistrict(edit);
     store::Transaction tx(store);
     if (store.update("strclub", commonFields(edit, today), "club_code = ?", {code}) == 0)
-        throw Refusal(QStringLiteral("Le club %1 n'existe plus : rien n'a été enregistré.").arg(code));
+        throw Refusal(
+            QStringLiteral("Le club %1 n'existe plus : rien n'a été enregistré.").arg(code));
     tx.commit();
 }
 

@@ -37,9 +37,9 @@ std::optional<ListItem> leagueItem(store::Store& store, const QString& code);
 std::optional<ListItem> departmentItem(store::Store& store, const QString& number);
 
 struct ClubEdit {
-    Card card;          // the columns of cardColumns()
-    QString district;   // required
-    QString account;    // stored as its numeric value, "000000"
+    Card card;         // the columns of cardColumns()
+    QString district;  // required
+    QString account;   // stored as its numeric value, "000000"
     // Used only when the club is created:
     QString league;
     QString department;

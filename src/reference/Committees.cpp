@@ -12,9 +12,9 @@ const VisibilityColumns& visibility() {
 }
 
 const QStringList& cardColumns() {
-    static const QStringList columns{"de_lib", "de_president_int", "de_president", "de_ad1",
-                                     "de_ad2", "de_ad3",           "de_ad4",       "de_cp",
-                                     "de_ville", "de_mail1",       "de_mail2"};
+    static const QStringList columns{"de_lib",   "de_president_int", "de_president", "de_ad1",
+                                     "de_ad2",   "de_ad3",           "de_ad4",       "de_cp",
+                                     "de_ville", "de_mail1",         "de_mail2"};
     return columns;
 }
 
@@ -60,11 +60,13 @@ Lookup lookUpEntity(store::Store& store, const InvoicingEntity& entity) {
 }
 
 QString cardCaption(const store::Row& committee) {
-    return QStringLiteral("FICHE DU COMITE DEPARTEMENTAL : ") + committee.value("de_no").toString() +
-           QStringLiteral(" - ") + committee.value("de_lib").toString();
+    return QStringLiteral("FICHE DU COMITE DEPARTEMENTAL : ") +
+           committee.value("de_no").toString() + QStringLiteral(" - ") +
+           committee.value("de_lib").toString();
 }
 
-void save(store::Store& store, const QString& number, const CommitteeEdit& edit, const QDate& today) {
+void save(store::Store& store, const QString& number, const CommitteeEdit& edit,
+          const QDate& today) {
     store::Transaction tx(store);
     if (entityName(store, edit.entity).isEmpty())
         throw Refusal(QStringLiteral("L'entité de facturation est obligatoire"));
@@ -76,7 +78,8 @@ void save(store::Store& store, const QString& number, const CommitteeEdit& edit,
     fields.emplace_back("de_region", edit.league);
     const QString key = formatNumber(number, 3);
     if (store.update("strdept", fields, "de_no = ?", {key}) == 0)
-        throw Refusal(QStringLiteral("Le comité %1 n'existe plus : rien n'a été enregistré.").arg(key));
+        throw Refusal(
+            QStringLiteral("Le comité %1 n'existe plus : rien n'a été enregistré.").arg(key));
     tx.commit();
 }
 

@@ -45,15 +45,16 @@ QString cardCaption(const store::Row& committee);
 
 // What the card holds beyond the plain text columns.
 struct CommitteeEdit {
-    Card card;              // the columns of cardColumns()
-    QString league;         // de_region as typed
-    QString district;       // stored upper case
-    QString account;        // stored as its numeric value, "000000"
+    Card card;         // the columns of cardColumns()
+    QString league;    // de_region as typed
+    QString district;  // stored upper case
+    QString account;   // stored as its numeric value, "000000"
     InvoicingEntity entity;
 };
 
 // Refuses a save without a known invoicing entity.
-void save(store::Store& store, const QString& number, const CommitteeEdit& edit, const QDate& today);
+void save(store::Store& store, const QString& number, const CommitteeEdit& edit,
+          const QDate& today);
 
 }  // namespace committees
 }  // namespace orve::reference

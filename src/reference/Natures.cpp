@@ -26,7 +26,8 @@ int save(store::Store& store, const Nature& nature, bool adding) {
     const QString code = nature.code.toUpper();
     const QString fact = nature.onEntries ? QStringLiteral("E") : QStringLiteral("R");
     store::Transaction tx(store);
-    const bool found = store.exists(QStringLiteral("select 1 from strnaturec where n_code = ?"), {nature.code});
+    const bool found =
+        store.exists(QStringLiteral("select 1 from strnaturec where n_code = ?"), {nature.code});
     if (adding && found) throw Refusal(QStringLiteral("Ce code existe déjà"));
     const store::Fields fields{{"n_code", code},
                                {"n_libelle", nature.label.toUpper()},
@@ -37,7 +38,8 @@ int save(store::Store& store, const Nature& nature, bool adding) {
     if (adding) {
         store.insert("strnaturec", fields);
     } else if (store.update("strnaturec", fields, "n_code = ?", {nature.code}) == 0) {
-        throw Refusal(QStringLiteral("La nature %1 n'existe plus : rien n'a été enregistré.").arg(code));
+        throw Refusal(
+            QStringLiteral("La nature %1 n'existe plus : rien n'a été enregistré.").arg(code));
     }
     const int rewritten = store.exec(
         QStringLiteral("update main.strcompetition set c_nat_fact = ?, c_fact_ligne = ?, "

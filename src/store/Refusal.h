@@ -7,26 +7,26 @@ namespace orve {
 
 // Anything thrown that already carries the French text the operator reads.
 class OperatorMessage : public std::runtime_error {
-public:
+  public:
     explicit OperatorMessage(const QString& message)
         : std::runtime_error(message.toStdString()), m_message(message) {}
     const QString& message() const { return m_message; }
 
-private:
+  private:
     QString m_message;
 };
 
 // The system's own "no": a French message for the operator. Whoever throws it
 // has written nothing (or rolled back), so showing the message is all there is to do.
 class Refusal : public OperatorMessage {
-public:
+  public:
     using OperatorMessage::OperatorMessage;
 };
 
 // A database or file failure, already worded in French for the operator: which
 // file, which table, which operation, and what the engine said.
 class StoreError : public OperatorMessage {
-public:
+  public:
     using OperatorMessage::OperatorMessage;
 };
 

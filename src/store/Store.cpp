@@ -50,11 +50,11 @@ QString fileOfTable(const QString& table) {
     const auto m = tableRe.match(sql);
     const QString table = m.hasMatch() ? m.captured(1) : QStringLiteral("?");
     const QString verb = sql.trimmed().section(' ', 0, 0).toLower();
-    const QString operation = verb == QStringLiteral("select") ? QStringLiteral("lecture")
-                              : verb == QStringLiteral("insert")   ? QStringLiteral("ajout")
-                              : verb == QStringLiteral("update")   ? QStringLiteral("modification")
-                              : verb == QStringLiteral("delete")   ? QStringLiteral("suppression")
-                                                                   : QStringLiteral("opération");
+    const QString operation = verb == QStringLiteral("select")   ? QStringLiteral("lecture")
+                              : verb == QStringLiteral("insert") ? QStringLiteral("ajout")
+                              : verb == QStringLiteral("update") ? QStringLiteral("modification")
+                              : verb == QStringLiteral("delete") ? QStringLiteral("suppression")
+                                                                 : QStringLiteral("opération");
     throw StoreError(QStringLiteral("Erreur de la base de données %1, table %2 (%3) : %4")
                          .arg(fileOfTable(table), table, operation, error.text()));
 }
@@ -99,22 +99,32 @@ QStringList statementsOf(const QString& script) {
 
 QString fileName(File f) {
     switch (f) {
-        case File::Jkv: return QStringLiteral("bow_jkv.db");
-        case File::Facture: return QStringLiteral("bow_facture.db");
-        case File::Tiers: return QStringLiteral("bow_tiers.db");
-        case File::Mail: return QStringLiteral("bow_mail.db");
-        case File::Tri: return QStringLiteral("bow_tri.db");
+        case File::Jkv:
+            return QStringLiteral("bow_jkv.db");
+        case File::Facture:
+            return QStringLiteral("bow_facture.db");
+        case File::Tiers:
+            return QStringLiteral("bow_tiers.db");
+        case File::Mail:
+            return QStringLiteral("bow_mail.db");
+        case File::Tri:
+            return QStringLiteral("bow_tri.db");
     }
     return {};
 }
 
 QString schemaName(File f) {
     switch (f) {
-        case File::Jkv: return QStringLiteral("main");
-        case File::Facture: return QStringLiteral("facture");
-        case File::Tiers: return QStringLiteral("tiers");
-        case File::Mail: return QStringLiteral("mail");
-        case File::Tri: return QStringLiteral("tri");
+        case File::Jkv:
+            return QStringLiteral("main");
+        case File::Facture:
+            return QStringLiteral("facture");
+        case File::Tiers:
+            return QStringLiteral("tiers");
+        case File::Mail:
+            return QStringLiteral("mail");
+        case File::Tri:
+            return QStringLiteral("tri");
     }
     return {};
 }
@@ -141,8 +151,8 @@ void prepareFile(const QString& dataFolder, File f) {
         const QString dir = QStringLiteral(":/schema/sqlite/%1")
                                 .arg(schemaName(f) == QStringLiteral("main") ? QStringLiteral("jkv")
                                                                              : schemaName(f));
-        QStringList scripts = QDir(dir).entryList({QStringLiteral("*.sql")}, QDir::Files,
-                                                  QDir::Name);
+        QStringList scripts =
+            QDir(dir).entryList({QStringLiteral("*.sql")}, QDir::Files, QDir::Name);
         QSqlQuery v = run(db, QStringLiteral("PRAGMA user_version"), {});
         const int version = v.next() ? v.value(0).toInt() : 0;
         v.finish();

@@ -26,7 +26,7 @@ using Rows = std::vector<QSqlRecord>;
 using Fields = std::vector<std::pair<QString, QVariant>>;
 
 class Store {
-public:
+  public:
     // Opens the data folder's files, creating them and bringing their schema up
     // to date first. Throws StoreError with a French message when it cannot.
     static std::unique_ptr<Store> open(const QString& dataFolder);
@@ -54,7 +54,7 @@ public:
     void commit();
     void rollback();
 
-private:
+  private:
     explicit Store(QString folder, QString connection);
     QString m_folder;
     QString m_connection;
@@ -64,14 +64,14 @@ private:
 // One business operation, one transaction: rolls back unless committed.
 // Nested guards become savepoints, so a rule can call another rule safely.
 class Transaction {
-public:
+  public:
     explicit Transaction(Store& store);
     ~Transaction();
     void commit();
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
 
-private:
+  private:
     Store& m_store;
     bool m_done = false;
 };

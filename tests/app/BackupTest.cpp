@@ -62,7 +62,8 @@ TEST(Backup, CopiesEveryDataFileWhileTheyAreOpen) {
     // A second backup replaces the first.
     s->store().insert("strtypec", {{"t_code", "YY"}});
     backupDataFolder(s->dataFolder(), usb.path());
-    EXPECT_TRUE(contentOf(QDir(usb.path()).filePath("bow_jkv.db")).contains("strtypec:YY" + QString(59, '|')));
+    EXPECT_TRUE(contentOf(QDir(usb.path()).filePath("bow_jkv.db"))
+                    .contains("strtypec:YY" + QString(59, '|')));
 }
 
 TEST(Backup, UnwritableOrMissingDestinationLeavesDataUntouched) {

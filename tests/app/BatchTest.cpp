@@ -16,38 +16,59 @@ TEST(Batch, InitUserSigninAndBackupFromAShell) {
     QTemporaryDir dir;
     const QString home = dir.filePath("inst");
     QString out, err;
-    ASSERT_EQ(runProgram(kBatch, {"init", home, "--code", "LR44", "--name", "Ligue des Pays de la Loire",
-                                  "--district", "D1"}, "", &out, &err, kToday), 0) << err.toStdString();
+    ASSERT_EQ(runProgram(kBatch,
+                         {"init", home, "--code", "LR44", "--name", "Ligue des Pays de la Loire",
+                          "--district", "D1"},
+                         "", &out, &err, kToday),
+              0)
+        << err.toStdString();
     EXPECT_TRUE(out.contains("installation créée")) << out.toStdString();
     // A second init on the same folder is refused, not silently redone.
-    EXPECT_EQ(runProgram(kBatch, {"init", home, "--code", "X", "--name", "Y"}, "", &out, &err, kToday), 1);
+    EXPECT_EQ(
+        runProgram(kBatch, {"init", home, "--code", "X", "--name", "Y"}, "", &out, &err, kToday),
+        1);
     EXPECT_TRUE(err.contains("contient déjà une installation")) << err.toStdString();
 
-    ASSERT_EQ(runProgram(kBatch, {"--home", home, "user", "add", "nantes", "--league", "LR44", "--mail",
-                                  "compta@ligue44.example"}, "s'ecret\n", &out, &err, kToday), 0)
+    ASSERT_EQ(runProgram(kBatch,
+                         {"--home", home, "user", "add", "nantes", "--league", "LR44", "--mail",
+                          "compta@ligue44.example"},
+                         "s'ecret\n", &out, &err, kToday),
+              0)
         << err.toStdString();
-    EXPECT_EQ(runProgram(kBatch, {"--home", home, "signin", "nantes"}, "faux\n", &out, &err, kToday), 1);
+    EXPECT_EQ(
+        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "faux\n", &out, &err, kToday), 1);
     EXPECT_EQ(err.trimmed(), "Login-Mot de passe invalide");
-    ASSERT_EQ(runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret\n", &out, &err, kToday), 0);
+    ASSERT_EQ(
+        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret\n", &out, &err, kToday),
+        0);
     EXPECT_TRUE(out.contains("login: nantes\n")) << out.toStdString();
     EXPECT_TRUE(out.contains("league: LR44\n"));
     EXPECT_TRUE(out.contains("mail: compta@ligue44.example\n"));
     EXPECT_TRUE(out.contains("installation_name: Ligue des Pays de la Loire\n"));
     EXPECT_TRUE(out.contains("financial_year_start: 20260901\n"));
 
-    ASSERT_EQ(runProgram(kBatch, {"--home", home, "user", "passwd", "nantes"}, "neuf\n", &out, &err, kToday), 0);
-    EXPECT_EQ(runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret\n", &out, &err, kToday), 1);
-    EXPECT_EQ(runProgram(kBatch, {"--home", home, "signin", "nantes"}, "neuf\n", &out, &err, kToday), 0);
+    ASSERT_EQ(runProgram(kBatch, {"--home", home, "user", "passwd", "nantes"}, "neuf\n", &out, &err,
+                         kToday),
+              0);
+    EXPECT_EQ(
+        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret\n", &out, &err, kToday),
+        1);
+    EXPECT_EQ(
+        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "neuf\n", &out, &err, kToday), 0);
 
     const QString usb = dir.filePath("usb");
     QDir().mkpath(usb);
-    ASSERT_EQ(runProgram(kBatch, {"backup", usb}, "", &out, &err, kToday + QStringList{"ORVE_HOME=" + home}), 0)
+    ASSERT_EQ(runProgram(kBatch, {"backup", usb}, "", &out, &err,
+                         kToday + QStringList{"ORVE_HOME=" + home}),
+              0)
         << err.toStdString();
     EXPECT_EQ(QDir(usb).entryList({"*.db"}, QDir::Files).size(), 5);
     EXPECT_TRUE(out.trimmed().endsWith("sauvegarde terminée"));
 
     // Without path files the command says which file is missing.
-    EXPECT_EQ(runProgram(kBatch, {"--home", dir.filePath("vide"), "signin", "x"}, "y\n", &out, &err, kToday), 1);
+    EXPECT_EQ(runProgram(kBatch, {"--home", dir.filePath("vide"), "signin", "x"}, "y\n", &out, &err,
+                         kToday),
+              1);
     EXPECT_TRUE(err.contains("chemin_base.txt")) << err.toStdString();
 }
 
@@ -58,7 +79,8 @@ TEST(Batch, DemoInstallationPrintsItsUsers) {
         << err.toStdString();
     EXPECT_TRUE(out.contains("utilisateur gestu")) << out.toStdString();
     EXPECT_TRUE(out.contains("utilisateur CD13"));
-    EXPECT_EQ(runProgram(kBatch, {"--home", dir.filePath("demo"), "signin", "CD13"}, "provence-2026\n",
-                         &out, &err, kToday), 0);
+    EXPECT_EQ(runProgram(kBatch, {"--home", dir.filePath("demo"), "signin", "CD13"},
+                         "provence-2026\n", &out, &err, kToday),
+              0);
     EXPECT_TRUE(out.contains("league: 13\n"));
 }

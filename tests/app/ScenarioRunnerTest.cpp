@@ -15,7 +15,7 @@ using orve::test::runProgram;
 namespace {
 
 class ScenarioRunnerTest : public ::testing::Test {
-protected:
+  protected:
     static void SetUpTestSuite() {
         s_dir = new QTemporaryDir;
         QString out, err;

@@ -49,8 +49,9 @@ TEST(Startup, PathsAreJoinedWhateverTheirSeparators) {
     EXPECT_EQ(resolveFolder("/opt/orve", "\\srv\\data"), "/srv/data");
     EXPECT_EQ(resolveProgramFolder("/x/y/", "/usr/bin"), "/x/y");
     EXPECT_EQ(resolveProgramFolder("", "/usr/bin"),
-              qEnvironmentVariableIsEmpty("ORVE_HOME") ? "/usr/bin"
-                                                       : QDir(qEnvironmentVariable("ORVE_HOME")).absolutePath());
+              qEnvironmentVariableIsEmpty("ORVE_HOME")
+                  ? "/usr/bin"
+                  : QDir(qEnvironmentVariable("ORVE_HOME")).absolutePath());
 }
 
 TEST(Startup, BadPathFilesAndEmptySettingsAreClearMessages) {

@@ -33,19 +33,20 @@ struct Word {
 
 // The words of a PDF, page by page, and the lines they make.
 class PdfText {
-public:
+  public:
     explicit PdfText(const QString& path) {
         QString out;
         EXPECT_EQ(test::runProgram("pdftotext", {"-bbox", path, "-"}, {}, &out, nullptr), 0);
         static const QRegularExpression word(
-            "<word xMin=\"([\\d.]+)\" yMin=\"([\\d.]+)\" xMax=\"([\\d.]+)\" yMax=\"[\\d.]+\">([^<]*)</word>");
+            "<word xMin=\"([\\d.]+)\" yMin=\"([\\d.]+)\" xMax=\"([\\d.]+)\" "
+            "yMax=\"[\\d.]+\">([^<]*)</word>");
         int page = 0;
         for (const QString& line : out.split('\n')) {
             if (line.contains("<page ")) ++page;
             const auto m = word.match(line);
             if (m.hasMatch())
-                m_words.push_back({page, m.captured(1).toDouble() * 20, m.captured(2).toDouble() * 20,
-                                   m.captured(3).toDouble() * 20,
+                m_words.push_back({page, m.captured(1).toDouble() * 20,
+                                   m.captured(2).toDouble() * 20, m.captured(3).toDouble() * 20,
                                    QTextDocumentFragment::fromHtml(m.captured(4)).toPlainText()});
         }
         m_pages = page;
@@ -77,7 +78,7 @@ public:
         return n;
     }
 
-private:
+  private:
     std::vector<Word> m_words;
     int m_pages = 0;
 };
@@ -101,7 +102,8 @@ struct Fixture {
     store::Store& store() { return session->store(); }
     QString header(const QString& number, const char* column) {
         return store()
-            .scalar(QStringLiteral("SELECT %1 FROM strentete WHERE ent_fact_no = ?").arg(QLatin1String(column)),
+            .scalar(QStringLiteral("SELECT %1 FROM strentete WHERE ent_fact_no = ?")
+                        .arg(QLatin1String(column)),
                     {number})
             .toString();
     }
@@ -112,19 +114,25 @@ struct Fixture {
 TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     Fixture f;
     // The competition row that carries the number is marked with the header.
-    f.store().insert("strcompetition", {{"c_index", "FD700009"}, {"c_facture", "A"},
-                                        {"c_num_facture", kClubInvoice}, {"c_edt_fact", "NON"},
-                                        {"c_envoi_mail", "O"}, {"c_add_tiers", "O"}});
-    f.store().exec("UPDATE strentete SET ent_fact_edt = 'N', ent_montant = 0 WHERE ent_fact_no = ?", {kClubInvoice});
+    f.store().insert("strcompetition", {{"c_index", "FD700009"},
+                                        {"c_facture", "A"},
+                                        {"c_num_facture", kClubInvoice},
+                                        {"c_edt_fact", "NON"},
+                                        {"c_envoi_mail", "O"},
+                                        {"c_add_tiers", "O"}});
+    f.store().exec("UPDATE strentete SET ent_fact_edt = 'N', ent_montant = 0 WHERE ent_fact_no = ?",
+                   {kClubInvoice});
     QDir(f.settings.invoiceFolder).removeRecursively();  // made again when missing
 
     const QString path = generateInvoicePdf(f.store(), f.settings, kClubInvoice);
-    EXPECT_EQ(QDir::cleanPath(path),
-              QDir::cleanPath(QDir(f.settings.invoiceFolder).filePath("CL13001_FN_2026000001.pdf")));
+    EXPECT_EQ(
+        QDir::cleanPath(path),
+        QDir::cleanPath(QDir(f.settings.invoiceFolder).filePath("CL13001_FN_2026000001.pdf")));
     ASSERT_TRUE(QFile::exists(path));
     EXPECT_EQ(f.header(kClubInvoice, "ent_fact_edt"), "O");
     EXPECT_EQ(f.header(kClubInvoice, "ent_montant"), "80000");
-    const auto comp = f.store().selectOne("SELECT * FROM strcompetition WHERE c_index = 'FD700009'");
+    const auto comp =
+        f.store().selectOne("SELECT * FROM strcompetition WHERE c_index = 'FD700009'");
     EXPECT_EQ(comp->value("c_facture").toString(), "F");
     EXPECT_EQ(comp->value("c_edt_fact").toString(), "OUI");
     EXPECT_EQ(comp->value("c_add_tiers").toString(), "N");
@@ -201,8 +209,12 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     // Regenerating replaces the same file and leaves nothing beside it.
     f.store().exec("UPDATE strcompetition SET c_envoi_mail = 'O' WHERE c_index = 'FD700009'");
     EXPECT_EQ(generateInvoicePdf(f.store(), f.settings, kClubInvoice), path);
-    EXPECT_EQ(QDir(f.settings.invoiceFolder).entryList(QDir::Files).join(','), "CL13001_FN_2026000001.pdf");
-    EXPECT_EQ(f.store().scalar("SELECT c_envoi_mail FROM strcompetition WHERE c_index = 'FD700009'").toString(), "N");
+    EXPECT_EQ(QDir(f.settings.invoiceFolder).entryList(QDir::Files).join(','),
+              "CL13001_FN_2026000001.pdf");
+    EXPECT_EQ(f.store()
+                  .scalar("SELECT c_envoi_mail FROM strcompetition WHERE c_index = 'FD700009'")
+                  .toString(),
+              "N");
 }
 
 TEST(InvoiceDocument, FreeTextLineDepositAndNegativeNet) {
@@ -217,7 +229,8 @@ TEST(InvoiceDocument, FreeTextLineDepositAndNegativeNet) {
     EXPECT_FALSE(pdf.find("concerné"));  // a committee
 
     // A deposit larger than the total leaves a negative amount to pay.
-    f.store().exec("UPDATE strentete SET ent_acompte = 100000 WHERE ent_fact_no = ?", {kCommitteeInvoice});
+    f.store().exec("UPDATE strentete SET ent_acompte = 100000 WHERE ent_fact_no = ?",
+                   {kCommitteeInvoice});
     PdfText over(generateInvoicePdf(f.store(), f.settings, kCommitteeInvoice));
     EXPECT_EQ(over.lineOf(*over.find("Net"), 7000), "Net à Payer : -575,00 €");
     EXPECT_EQ(over.lineOf(*over.find("Acompte"), 7000), "Acompte versé : 1 000,00 €");
@@ -319,8 +332,10 @@ TEST(InvoiceDocument, RefusalsNamesAndPrinterLookup) {
 
     // An entity code names the file, as the mailing looks for it.
     addLine(f.store(), n);
-    EXPECT_TRUE(generateInvoicePdf(f.store(), f.settings, n).endsWith("/CD13_FN_" + paddedInvoiceNumber(n) + ".pdf"));
-    EXPECT_EQ(invoicePdfPath("C:\\factures\\", "CD044", " ", "58"), "C:/factures/CD044_FN_00000058.pdf");
+    EXPECT_TRUE(generateInvoicePdf(f.store(), f.settings, n)
+                    .endsWith("/CD13_FN_" + paddedInvoiceNumber(n) + ".pdf"));
+    EXPECT_EQ(invoicePdfPath("C:\\factures\\", "CD044", " ", "58"),
+              "C:/factures/CD044_FN_00000058.pdf");
 
     const QStringList printers{"HP LaserJet", "PDF Writer - bioPDF", "Brother"};
     EXPECT_EQ(findPrinter(printers, "pdf writer - biopdf"), 1);
@@ -335,16 +350,22 @@ TEST(InvoiceDocument, RefusalsNamesAndPrinterLookup) {
 TEST(InvoiceDocument, BatchCommand) {
     test::TestInstall inst;
     QString out, err;
-    EXPECT_EQ(test::runProgram(ORVE_BATCH, {"--home", inst.home(), "--as", "gestu", "pdf", kClubInvoice, kLeagueInvoice},
-                               {}, &out, &err),
+    EXPECT_EQ(test::runProgram(
+                  ORVE_BATCH,
+                  {"--home", inst.home(), "--as", "gestu", "pdf", kClubInvoice, kLeagueInvoice}, {},
+                  &out, &err),
               0)
         << qPrintable(err);
     EXPECT_TRUE(out.contains("CL13001_FN_2026000001.pdf")) << qPrintable(out);
     EXPECT_TRUE(out.contains("LR06_FN_2026000003.pdf"));
-    EXPECT_EQ(test::runProgram(ORVE_BATCH, {"--home", inst.home(), "pdf", "--credit-notes", "2026000001", "2026000009"},
-                               {}, &out, &err),
+    EXPECT_EQ(test::runProgram(
+                  ORVE_BATCH,
+                  {"--home", inst.home(), "pdf", "--credit-notes", "2026000001", "2026000009"}, {},
+                  &out, &err),
               0);
     EXPECT_TRUE(out.contains("CD013_FN_2026000004.pdf")) << qPrintable(out);
-    EXPECT_EQ(test::runProgram(ORVE_BATCH, {"--home", inst.home(), "pdf", "424242"}, {}, &out, &err), 1);
-    EXPECT_TRUE((out + err).contains("La facture N° 424242 n'existe pas.")) << qPrintable(out + err);
+    EXPECT_EQ(
+        test::runProgram(ORVE_BATCH, {"--home", inst.home(), "pdf", "424242"}, {}, &out, &err), 1);
+    EXPECT_TRUE((out + err).contains("La facture N° 424242 n'existe pas."))
+        << qPrintable(out + err);
 }

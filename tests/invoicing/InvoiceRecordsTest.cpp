@@ -25,9 +25,11 @@ void insertHeader(store::Store& s, const QString& number) {
 }
 
 QString lineValue(store::Store& s, const QString& number, const QString& line, const char* col) {
-    return s.scalar(QStringLiteral("SELECT %1 FROM strfacture WHERE f_num_facture = ? AND f_num_lig = ?")
-                        .arg(QLatin1String(col)),
-                    {paddedInvoiceNumber(number), line})
+    return s
+        .scalar(
+            QStringLiteral("SELECT %1 FROM strfacture WHERE f_num_facture = ? AND f_num_lig = ?")
+                .arg(QLatin1String(col)),
+            {paddedInvoiceNumber(number), line})
         .toString();
 }
 
@@ -64,7 +66,8 @@ TEST(InvoiceRecords, NumberingTakesTheHighestNumberByValue) {
     EXPECT_EQ(nextInvoiceNumber(s), "1001");
 
     // A renumbering marker moves the numbering on; longer numbers stay whole.
-    s.insert("strentete", {{"ent_fact_no", "2026000000"}, {"ent_fact_lib", "Changement de numerotation"}});
+    s.insert("strentete",
+             {{"ent_fact_no", "2026000000"}, {"ent_fact_lib", "Changement de numerotation"}});
     const QString jumped = createInvoice(s, clubHeader(), inst.today());
     EXPECT_EQ(jumped, "2026000001");
     EXPECT_EQ(lineValue(s, jumped, "01", "f_num_facture"), "2026000001");
@@ -84,7 +87,8 @@ TEST(InvoiceRecords, HeaderValidationWritesNothing) {
     };
     EXPECT_EQ(refusal(clubHeader("")), QStringLiteral("date obligatoire"));
     EXPECT_EQ(refusal(clubHeader("__/__/____")), QStringLiteral("date obligatoire"));
-    EXPECT_EQ(refusal(clubHeader("31/02/2026")), QStringLiteral("la date : 31/02/2026 n'est pas valide"));
+    EXPECT_EQ(refusal(clubHeader("31/02/2026")),
+              QStringLiteral("la date : 31/02/2026 n'est pas valide"));
     InvoiceHeader nobody = clubHeader();
     nobody.billed = {};
     EXPECT_EQ(refusal(nobody), QStringLiteral("veuillez sélectionner un facturé"));
@@ -96,9 +100,12 @@ TEST(InvoiceRecords, HeaderValidationWritesNothing) {
     entity.billed.account.clear();
     entity.billed.entity = QStringLiteral("CD13");
     const QString n = createInvoice(s, entity, inst.today());
-    EXPECT_EQ(s.scalar("SELECT ent_tiers_fact || '|' || ent_fact_entite FROM strentete WHERE ent_fact_no = ?", {n})
-                  .toString(),
-              " |CD13");
+    EXPECT_EQ(
+        s.scalar(
+             "SELECT ent_tiers_fact || '|' || ent_fact_entite FROM strentete WHERE ent_fact_no = ?",
+             {n})
+            .toString(),
+        " |CD13");
     // Modifying keeps the number and brings the lines' dates along.
     InvoiceHeader changed = entity;
     changed.dateText = QStringLiteral("01/12/2026");
@@ -113,17 +120,22 @@ TEST(InvoiceRecords, LinesTotalsAndType) {
     store::Store& s = session->store();
     const QString n = createInvoice(s, clubHeader(), inst.today());
 
-    updateLine(s, n, "01", {QStringLiteral("00000005"), QStringLiteral("Remise"), 1, Money::fromCents(-1250)});
-    EXPECT_EQ(s.scalar("SELECT ent_fact_type FROM strentete WHERE ent_fact_no = ?", {n}).toString(), "A");
-    appendLine(s, n, {QStringLiteral("00000005"), QStringLiteral("Frais"), 1, Money::fromCents(1250)});
+    updateLine(s, n, "01",
+               {QStringLiteral("00000005"), QStringLiteral("Remise"), 1, Money::fromCents(-1250)});
+    EXPECT_EQ(s.scalar("SELECT ent_fact_type FROM strentete WHERE ent_fact_no = ?", {n}).toString(),
+              "A");
+    appendLine(s, n,
+               {QStringLiteral("00000005"), QStringLiteral("Frais"), 1, Money::fromCents(1250)});
     // A total of exactly 0 is an invoice.
     const InvoiceTotal t = updateTotal(s, n);
     EXPECT_EQ(t.total.cents(), 0);
     EXPECT_EQ(t.type, "F");
-    EXPECT_EQ(s.scalar("SELECT ent_fact_type FROM strentete WHERE ent_fact_no = ?", {n}).toString(), "F");
+    EXPECT_EQ(s.scalar("SELECT ent_fact_type FROM strentete WHERE ent_fact_no = ?", {n}).toString(),
+              "F");
 
     // Amount is quantity times price, exactly.
-    updateLine(s, n, "02", {QStringLiteral("00000001"), QStringLiteral("Licence"), 3, Money::fromCents(4533)});
+    updateLine(s, n, "02",
+               {QStringLiteral("00000001"), QStringLiteral("Licence"), 3, Money::fromCents(4533)});
     EXPECT_EQ(lineValue(s, n, "02", "f_montant"), "13599");
 
     for (int i = 3; i <= 9; ++i) EXPECT_EQ(addLine(s, n), QStringLiteral("0%1").arg(i));
@@ -158,14 +170,17 @@ TEST(InvoiceRecords, CopiedLinesAreRenumberedAfterTheExistingOnes) {
     EXPECT_EQ(lines[2].amount.cents(), -54000);
     EXPECT_EQ(lines[4].article, kFreeTextArticle);
     EXPECT_EQ(lineValue(s, target, "03", "f_tri_date"), "20261121");
-    EXPECT_EQ(s.scalar("SELECT ent_fact_type FROM strentete WHERE ent_fact_no = ?", {target}).toString(), "A");
+    EXPECT_EQ(
+        s.scalar("SELECT ent_fact_type FROM strentete WHERE ent_fact_no = ?", {target}).toString(),
+        "A");
 }
 
 TEST(InvoiceRecords, CompetitionRowFollowsItsInvoice) {
     test::TestInstall inst(test::TestInstall::Kind::Empty);
     auto session = inst.start();
     store::Store& s = session->store();
-    s.insert("strcompetition", {{"c_index", "FD700001"}, {"c_facture", "C"}, {"c_edt_fact", "NON"}});
+    s.insert("strcompetition",
+             {{"c_index", "FD700001"}, {"c_facture", "C"}, {"c_edt_fact", "NON"}});
     markCompetitionInvoiced(s, "FD700001", "58", QDate(2026, 11, 21));
     auto row = s.selectOne("SELECT * FROM strcompetition WHERE c_index = 'FD700001'");
     EXPECT_EQ(row->value("c_facture").toString(), "A");

@@ -27,10 +27,16 @@ QApplication& application() {
 void competition(store::Store& s, const QString& index, const QString& season, const QString& type,
                  const QString& nature, const QString& organiser, const QString& name,
                  const QString& cod1, const QString& cod2) {
-    s.insert("strcompetition", {{"c_index", index}, {"c_saison", season}, {"c_type", type},
-                                {"c_nature", nature}, {"c_organisateur", organiser},
-                                {"c_nom_organisateur", name}, {"c_cod1", cod1}, {"c_cod2", cod2},
-                                {"c_facture", "F"}, {"c_intitule", index}});
+    s.insert("strcompetition", {{"c_index", index},
+                                {"c_saison", season},
+                                {"c_type", type},
+                                {"c_nature", nature},
+                                {"c_organisateur", organiser},
+                                {"c_nom_organisateur", name},
+                                {"c_cod1", cod1},
+                                {"c_cod2", cod2},
+                                {"c_facture", "F"},
+                                {"c_intitule", index}});
 }
 
 // The indexes a condition keeps, in its order.
@@ -38,9 +44,10 @@ QString kept(store::Store& s, const SelectionCondition& c) {
     store::Params p{QStringLiteral("F")};
     for (const auto& v : c.params) p.push_back(v);
     QStringList out;
-    for (const auto& r : s.select("SELECT c_index FROM strcompetition WHERE c_facture = ? AND " +
-                                      c.where + (c.orderBy.isEmpty() ? " ORDER BY c_index" : c.orderBy),
-                                  p))
+    for (const auto& r :
+         s.select("SELECT c_index FROM strcompetition WHERE c_facture = ? AND " + c.where +
+                      (c.orderBy.isEmpty() ? " ORDER BY c_index" : c.orderBy),
+                  p))
         out << r.value(0).toString();
     return out.join(',');
 }
@@ -149,7 +156,9 @@ TEST(SelectionPanel, FilledFromTheStoreAndTurnedIntoACondition) {
     auto session = inst.start();
     SelectionPanel panel;
     panel.load(session->store(), "LIC", inst.today());
-    auto combo = [&](int i) { return panel.findChild<QComboBox*>(QStringLiteral("Combo%1").arg(i)); };
+    auto combo = [&](int i) {
+        return panel.findChild<QComboBox*>(QStringLiteral("Combo%1").arg(i));
+    };
     for (int i = 1; i <= 10; ++i) ASSERT_TRUE(combo(i)) << i;
     for (const char* name : {"txtnom_organisateur", "mskmois", "txtnofac", "txtcnum"})
         ASSERT_TRUE(panel.findChild<QLineEdit*>(name)) << name;
@@ -177,8 +186,9 @@ TEST(SelectionPanel, FilledFromTheStoreAndTurnedIntoACondition) {
     panel.findChild<QLineEdit*>("mskmois")->setText("1126");
     panel.sortBy("c_intitule");
     const SelectionCondition c = panel.condition();
-    EXPECT_EQ(c.where, "c_saison = ? AND upper(trim(c_nature)) = upper(?) AND "
-                       "upper(trim(c_organisateur)) = upper(?)");
+    EXPECT_EQ(c.where,
+              "c_saison = ? AND upper(trim(c_nature)) = upper(?) AND "
+              "upper(trim(c_organisateur)) = upper(?)");
     EXPECT_EQ(c.params.size(), 3u);
     EXPECT_EQ(c.params[1].toString(), "LIC");
     EXPECT_EQ(c.params[2].toString(), "LR06");

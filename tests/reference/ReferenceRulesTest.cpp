@@ -58,14 +58,17 @@ TEST(ReferenceVisibility, EachKindOfUserSeesItsOwnParties) {
 
     // Centres know no district: a league user sees the whole league.
     EXPECT_EQ(centres::list(s, kNational).size(), 6u);
-    EXPECT_EQ(column(centres::list(s, kLeagueD1), "b_compte_tiers"), (QStringList{"BOW0131", "BOW0832"}));
+    EXPECT_EQ(column(centres::list(s, kLeagueD1), "b_compte_tiers"),
+              (QStringList{"BOW0131", "BOW0832"}));
 
     // The filter takes the caller's column names and binds the user's values.
     const SqlFilter f = visibilityFilter(kLeagueD1, {"c_lr", "c_district", "c_dept"});
     EXPECT_EQ(f.whereClause(), " where c_lr = ? and c_district = ?");
     EXPECT_EQ(f.params, (store::Params{"LR06", "D1"}));
-    EXPECT_EQ(visibilityFilter(kCommittee, {"c_lr", "c_district", "c_dept"}).params, (store::Params{"013"}));
-    EXPECT_TRUE(visibilityFilter(kNational, {"c_lr", "c_district", "c_dept"}).whereClause().isEmpty());
+    EXPECT_EQ(visibilityFilter(kCommittee, {"c_lr", "c_district", "c_dept"}).params,
+              (store::Params{"013"}));
+    EXPECT_TRUE(
+        visibilityFilter(kNational, {"c_lr", "c_district", "c_dept"}).whereClause().isEmpty());
     // A quote in a login or league is only a value: it finds nothing and breaks nothing.
     EXPECT_TRUE(committees::list(s, Viewer{"x", "LR06' or '1'='1", "D1"}).empty());
 }
@@ -115,7 +118,8 @@ TEST(ReferenceCommittees, EntityLookUpsAndSave) {
     EXPECT_EQ(committees::lookUpEntity(s, {false, "6"}).message, "Cette LR n'existe pas");
     EXPECT_EQ(committees::lookUpLeague(s, "LR11").name, "Ligue Régionale Île-de-France");
 
-    committees::CommitteeEdit edit{cardOf(*committees::find(s, "6")), "LR06", "d3", "41a", {true, "99"}};
+    committees::CommitteeEdit edit{
+        cardOf(*committees::find(s, "6")), "LR06", "d3", "41a", {true, "99"}};
     EXPECT_EQ(refusalOf([&] { committees::save(s, "006", edit, QDate(2026, 11, 21)); }),
               "L'entité de facturation est obligatoire");
     edit.entity = {true, "6"};
@@ -126,7 +130,8 @@ TEST(ReferenceCommittees, EntityLookUpsAndSave) {
     EXPECT_EQ(row->value("de_district").toString(), "D3");
     EXPECT_EQ(row->value("de_compta").toString(), "000041");
     EXPECT_EQ(row->value("de_lib").toString(), "Alpes-Maritimes; l'\"azur\"");
-    EXPECT_EQ(committees::cardCaption(*row), "FICHE DU COMITE DEPARTEMENTAL : 006 - Alpes-Maritimes; l'\"azur\"");
+    EXPECT_EQ(committees::cardCaption(*row),
+              "FICHE DU COMITE DEPARTEMENTAL : 006 - Alpes-Maritimes; l'\"azur\"");
 }
 
 TEST(ReferenceCentres, ApprovalDateLanesAndType) {
@@ -150,12 +155,15 @@ TEST(ReferenceCentres, ApprovalDateLanesAndType) {
     EXPECT_EQ(row->value("b_type").toString(), "Synthétique");
 
     edit.lanes = "douze";
-    EXPECT_FALSE(refusalOf([&] { centres::save(s, "BOW0832", edit, QDate(2026, 11, 21)); }).isEmpty());
+    EXPECT_FALSE(
+        refusalOf([&] { centres::save(s, "BOW0832", edit, QDate(2026, 11, 21)); }).isEmpty());
     edit.lanes = "12";
     edit.approvalDate = "31/02/2019";
-    EXPECT_FALSE(refusalOf([&] { centres::save(s, "BOW0832", edit, QDate(2026, 11, 21)); }).isEmpty());
+    EXPECT_FALSE(
+        refusalOf([&] { centres::save(s, "BOW0832", edit, QDate(2026, 11, 21)); }).isEmpty());
     edit.approvalDate = "12/0_/2019";
-    EXPECT_FALSE(refusalOf([&] { centres::save(s, "BOW0832", edit, QDate(2026, 11, 21)); }).isEmpty());
+    EXPECT_FALSE(
+        refusalOf([&] { centres::save(s, "BOW0832", edit, QDate(2026, 11, 21)); }).isEmpty());
     EXPECT_EQ(centres::find(s, "BOW0832")->value("b_pistes").toInt(), 18);
 }
 
@@ -172,7 +180,8 @@ TEST(ReferenceClubs, AddBuildsTheKeyAndRefusesDuplicates) {
     EXPECT_EQ(row->value("club_dept").toString(), "005");
     EXPECT_EQ(row->value("club_num").toString(), "007");
     EXPECT_EQ(row->value("club_compta").toString(), "000041");
-    EXPECT_EQ(refusalOf([&] { clubs::add(s, edit, QDate(2026, 11, 21)); }), "Ce club existe déjà...");
+    EXPECT_EQ(refusalOf([&] { clubs::add(s, edit, QDate(2026, 11, 21)); }),
+              "Ce club existe déjà...");
     edit.number = "sept";
     EXPECT_FALSE(refusalOf([&] { clubs::add(s, edit, QDate(2026, 11, 21)); }).isEmpty());
 
@@ -198,7 +207,10 @@ TEST(ReferenceArticles, NumberingNaturesAndTariffs) {
     s.insert("strarticle", {{"a_index", "00000041"}});
     EXPECT_EQ(articles::add(s, {"Nouvel article", "DIV", "706", ""}), "00000042");
     EXPECT_EQ(articles::find(s, "00000042")->value("a_cpta").toString(), "000000706");
-    EXPECT_EQ(refusalOf([&] { articles::add(s, {"Sans nature", "", "", ""}); }), "code nature obligatoire");
+    EXPECT_EQ(refusalOf([&] {
+                  articles::add(s, {"Sans nature", "", "", ""});
+              }),
+              "code nature obligatoire");
 
     EXPECT_EQ(articles::natureItems(kLeagueD1).size(), 2u);
     EXPECT_EQ(articles::natureItems(kNational).size(), 6u);
@@ -207,12 +219,19 @@ TEST(ReferenceArticles, NumberingNaturesAndTariffs) {
 
     const QString badSeason = "code saison incohérent (compris entre 2018 et 2030)";
     for (const char* season : {"2017", "2031", "", "20a9"})
-        EXPECT_EQ(refusalOf([&] { articles::saveTariff(s, {"00000042", "DIV", season, "1"}, true); }), badSeason);
+        EXPECT_EQ(refusalOf([&] {
+                      articles::saveTariff(s, {"00000042", "DIV", season, "1"}, true);
+                  }),
+                  badSeason);
     articles::saveTariff(s, {"00000042", "DIV", "2018", "12,50"}, true);
     articles::saveTariff(s, {"00000042", "DIV", "2030", "3"}, true);
-    EXPECT_EQ(refusalOf([&] { articles::saveTariff(s, {"00000042", "DIV", "2018", "9"}, true); }),
+    EXPECT_EQ(refusalOf([&] {
+                  articles::saveTariff(s, {"00000042", "DIV", "2018", "9"}, true);
+              }),
               "ce tarif est déjà enregistré");
-    EXPECT_FALSE(refusalOf([&] { articles::saveTariff(s, {"00000042", "DIV", "2019", "douze"}, true); }).isEmpty());
+    EXPECT_FALSE(refusalOf([&] {
+                     articles::saveTariff(s, {"00000042", "DIV", "2019", "douze"}, true);
+                 }).isEmpty());
     articles::saveTariff(s, {"00000042", "DIV", "2018", "13,05"}, false);
     const auto prices = articles::tariffs(s, "00000042", "DIV");
     EXPECT_EQ(column(prices, "t_saison"), (QStringList{"2018", "2030"}));
@@ -229,21 +248,34 @@ TEST(ReferenceNatures, SavePushesOptionsIntoEveryCompetitionOfTheNature) {
     test::TestInstall install;
     auto session = install.start();
     auto& s = session->store();
-    s.insert("strcompetition", {{"c_index", "FD600001"}, {"c_nature", "CHAF"}, {"c_facture", "F"},
-                                {"c_nat_fact", "R"}, {"c_fact_ligne", "O"}, {"c_fact_engagement", "O"}});
-    s.insert("strcompetition", {{"c_index", "FD600002"}, {"c_nature", "DBHON"}, {"c_nat_fact", "R"}});
+    s.insert("strcompetition", {{"c_index", "FD600001"},
+                                {"c_nature", "CHAF"},
+                                {"c_facture", "F"},
+                                {"c_nat_fact", "R"},
+                                {"c_fact_ligne", "O"},
+                                {"c_fact_engagement", "O"}});
+    s.insert("strcompetition",
+             {{"c_index", "FD600002"}, {"c_nature", "DBHON"}, {"c_nat_fact", "R"}});
 
-    EXPECT_EQ(refusalOf([&] { natures::save(s, {"chaf", "x", true, false, false}, true); }), "Ce code existe déjà");
+    EXPECT_EQ(refusalOf([&] {
+                  natures::save(s, {"chaf", "x", true, false, false}, true);
+              }),
+              "Ce code existe déjà");
     EXPECT_EQ(natures::save(s, {"CHAF", "challenge fédéral", true, false, true}, false), 1);
     EXPECT_EQ(s.scalar("select c_nat_fact || c_fact_ligne || c_fact_engagement from strcompetition "
-                       "where c_index = 'FD600001'").toString(),
+                       "where c_index = 'FD600001'")
+                  .toString(),
               "ENO");
-    EXPECT_EQ(s.scalar("select c_nat_fact from strcompetition where c_index = 'FD600002'").toString(), "R");
-    EXPECT_EQ(s.scalar("select n_libelle from strnaturec where n_code = 'CHAF'").toString(), "CHALLENGE FÉDÉRAL");
+    EXPECT_EQ(
+        s.scalar("select c_nat_fact from strcompetition where c_index = 'FD600002'").toString(),
+        "R");
+    EXPECT_EQ(s.scalar("select n_libelle from strnaturec where n_code = 'CHAF'").toString(),
+              "CHALLENGE FÉDÉRAL");
 
     // The pseudo-competitions follow their nature too.
     natures::save(s, {"LIC", "Licences", true, true, false}, false);
-    EXPECT_EQ(s.scalar("select c_nat_fact || c_fact_engagement from strcompetition where c_index = '8FA00000'")
+    EXPECT_EQ(s.scalar("select c_nat_fact || c_fact_engagement from strcompetition where c_index = "
+                       "'8FA00000'")
                   .toString(),
               "EN");
 

@@ -27,8 +27,10 @@ TEST(Store, CreatesFiveFilesWithTheirTablesAndJoinsThem) {
                   .toString(),
               "Facture Divers");
     EXPECT_EQ(s->scalar("SELECT count(*) FROM strcompetition").toInt(), 1);
-    EXPECT_EQ(s->scalar("SELECT count(*) FROM facture.sqlite_master WHERE name='strfacture'").toInt(), 1);
-    EXPECT_EQ(s->scalar("SELECT count(*) FROM tiers.sqlite_master WHERE name='strclub'").toInt(), 1);
+    EXPECT_EQ(
+        s->scalar("SELECT count(*) FROM facture.sqlite_master WHERE name='strfacture'").toInt(), 1);
+    EXPECT_EQ(s->scalar("SELECT count(*) FROM tiers.sqlite_master WHERE name='strclub'").toInt(),
+              1);
     // Reopening an upgraded folder keeps the data and the version.
     s.reset();
     s = freshStore(dir);
@@ -54,7 +56,8 @@ TEST(Store, BoundValuesKeepTextAsTyped) {
     auto s = freshStore(dir);
     const QString nasty = "L'Étoile; DROP TABLE strclub; --\"é";
     s->insert("strclub", {{"club_code", "CL13001"}, {"club_nom", nasty}});
-    EXPECT_EQ(s->scalar("SELECT club_nom FROM strclub WHERE club_nom = ?", {nasty}).toString(), nasty);
+    EXPECT_EQ(s->scalar("SELECT club_nom FROM strclub WHERE club_nom = ?", {nasty}).toString(),
+              nasty);
     EXPECT_EQ(s->update("strclub", {{"club_ville", "Aix"}}, "club_code = ?", {"cl13001"}), 1);
 }
 

@@ -28,8 +28,8 @@ std::unique_ptr<app::Session> TestInstall::startAs(const QString& login) const {
     return s;
 }
 
-int runProgram(const QString& program, const QStringList& args, const QString& input,
-               QString* out, QString* err, const QStringList& extraEnv) {
+int runProgram(const QString& program, const QStringList& args, const QString& input, QString* out,
+               QString* err, const QStringList& extraEnv) {
     QProcess p;
     auto env = QProcessEnvironment::systemEnvironment();
     env.insert("QT_QPA_PLATFORM", "offscreen");

@@ -11,7 +11,7 @@ namespace orve::test {
 
 // A throw-away installation in its own temporary folder.
 class TestInstall {
-public:
+  public:
     enum class Kind { Empty, Demo };
     explicit TestInstall(Kind kind = Kind::Demo, const QDate& today = QDate(2026, 11, 21));
     const QString& home() const { return m_home; }
@@ -21,14 +21,14 @@ public:
     // Started and signed in as a demo user (without checking the password).
     std::unique_ptr<app::Session> startAs(const QString& login) const;
 
-private:
+  private:
     QTemporaryDir m_dir;
     QString m_home;
     QDate m_today;
 };
 
 // Runs a program, feeding stdin; returns its exit code, fills out and err.
-int runProgram(const QString& program, const QStringList& args, const QString& input,
-               QString* out, QString* err, const QStringList& extraEnv = {});
+int runProgram(const QString& program, const QStringList& args, const QString& input, QString* out,
+               QString* err, const QStringList& extraEnv = {});
 
 }  // namespace orve::test

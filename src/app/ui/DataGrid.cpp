@@ -48,8 +48,12 @@ void DataGrid::setRows(const store::Rows& rows) {
             const QVariant v = rows[r].value(col.field);
             QString text;
             switch (col.kind) {
-                case GridColumn::Kind::Text: text = v.toString(); break;
-                case GridColumn::Kind::Number: text = v.isNull() ? QString() : v.toString(); break;
+                case GridColumn::Kind::Text:
+                    text = v.toString();
+                    break;
+                case GridColumn::Kind::Number:
+                    text = v.isNull() ? QString() : v.toString();
+                    break;
                 case GridColumn::Kind::Currency:
                     text = format::amountEuro(Money::fromVariant(v));
                     break;

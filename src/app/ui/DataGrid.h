@@ -20,7 +20,7 @@ struct GridColumn {
 // rowChosen; a click on a column head emits headerClicked with its field.
 class DataGrid : public QTableWidget {
     Q_OBJECT
-public:
+  public:
     explicit DataGrid(const QString& name, QWidget* parent = nullptr);
 
     void setColumns(const std::vector<GridColumn>& columns);
@@ -36,12 +36,12 @@ public:
     // A user typing into a cell.
     void editCell(int row, int column, const QString& text);
 
-signals:
+  signals:
     void rowChosen(int row);
     void headerClicked(const QString& field);
     void cellEdited(int row, const QString& field, const QString& text);
 
-private:
+  private:
     std::vector<GridColumn> m_columns;
     store::Rows m_rows;
     bool m_filling = false;

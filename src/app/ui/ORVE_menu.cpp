@@ -81,8 +81,8 @@ void ORVE_menu::buildPanels() {
 
     auto* image1 = new QLabel(central);
     image1->setObjectName(QStringLiteral("Image1"));
-    image1->setPixmap(QPixmap(QStringLiteral(":/images/logo.png"))
-                          .scaledToWidth(360, Qt::SmoothTransformation));
+    image1->setPixmap(
+        QPixmap(QStringLiteral(":/images/logo.png")).scaledToWidth(360, Qt::SmoothTransformation));
     image1->setAlignment(Qt::AlignCenter);
     layout->addWidget(image1);
 
@@ -112,9 +112,10 @@ void ORVE_menu::buildPanels() {
     connect(m_login, &QLineEdit::returnPressed, m_password, qOverload<>(&QWidget::setFocus));
     layout->addWidget(m_frame1, 0, Qt::AlignHCenter);
 
-    m_frame5 = new QGroupBox(kDriveLetters ? QStringLiteral("Saisir la lettre du disque amovible")
-                                           : QStringLiteral("Choisir le dossier du support amovible"),
-                             central);
+    m_frame5 =
+        new QGroupBox(kDriveLetters ? QStringLiteral("Saisir la lettre du disque amovible")
+                                    : QStringLiteral("Choisir le dossier du support amovible"),
+                      central);
     m_frame5->setObjectName(QStringLiteral("Frame5"));
     auto* row = new QHBoxLayout(m_frame5);
     m_disk = new QLineEdit(m_frame5);
@@ -223,8 +224,8 @@ void ORVE_menu::showBackupPanel() {
 }
 
 void ORVE_menu::chooseBackupFolder() {
-    const QString folder = m_dialogs.chooseFolder(QStringLiteral("Dossier du support amovible"),
-                                                  m_folder->text());
+    const QString folder =
+        m_dialogs.chooseFolder(QStringLiteral("Dossier du support amovible"), m_folder->text());
     if (!folder.isEmpty()) m_folder->setText(folder);
 }
 

@@ -21,13 +21,13 @@ namespace orve::app {
 // panel. Closing it ends the program and every window opened from it.
 class ORVE_menu : public QMainWindow {
     Q_OBJECT
-public:
+  public:
     ORVE_menu(Session& session, Dialogs& dialogs, const ScreenCatalog& catalog);
 
     // Opens a window modeless, or brings the open one back to the front.
     void openScreen(const QString& name, const QString& mode);
 
-private:
+  private:
     void buildMenus();
     void buildPanels();
     void applyRights();

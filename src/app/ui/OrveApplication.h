@@ -9,12 +9,12 @@ namespace orve::app {
 // Nothing thrown inside an event handler ends the program: it becomes a
 // message and the program goes on.
 class OrveApplication : public QApplication {
-public:
+  public:
     OrveApplication(int& argc, char** argv) : QApplication(argc, argv) {}
     void setDialogs(Dialogs* dialogs) { m_dialogs = dialogs; }
     bool notify(QObject* receiver, QEvent* event) override;
 
-private:
+  private:
     Dialogs* m_dialogs = nullptr;
 };
 

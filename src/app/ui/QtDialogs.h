@@ -8,7 +8,7 @@ namespace orve::app {
 
 // Message boxes with French buttons, over the active window.
 class QtDialogs : public Dialogs {
-public:
+  public:
     void inform(const QString& text) override;
     bool ask(const QString& text) override;
     QString chooseFolder(const QString& title, const QString& start) override;

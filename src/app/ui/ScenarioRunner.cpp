@@ -140,9 +140,7 @@ void setText(QObject* o, const QString& text) {
     failWith(QStringLiteral("cannot type into %1").arg(o->objectName()));
 }
 
-QAbstractItemView* grid(const QString& name) {
-    return control<QAbstractItemView>(name, "grid");
-}
+QAbstractItemView* grid(const QString& name) { return control<QAbstractItemView>(name, "grid"); }
 
 int columnIndex(QAbstractItemView* view, const QString& column) {
     if (auto* g = qobject_cast<DataGrid*>(view)) {
@@ -243,7 +241,8 @@ QString ScenarioRunner::run(const QString& script) {
         const QString line = lines[i].trimmed();
         if (line.isEmpty() || line.startsWith('#')) continue;
         const QString reason = runStatement(line);
-        if (!reason.isEmpty()) return QStringLiteral("line %1: %2: %3").arg(i + 1).arg(line, reason);
+        if (!reason.isEmpty())
+            return QStringLiteral("line %1: %2: %3").arg(i + 1).arg(line, reason);
     }
     if (!m_dialogs.shown().empty())
         return QStringLiteral("end: unexpected message: %1").arg(m_dialogs.shown().front());
@@ -285,7 +284,8 @@ QString ScenarioRunner::runStatement(const QString& line) {
             need(1);
             QObject* o = findControl(w[1]);
             auto* widget = qobject_cast<QWidget*>(o);
-            if (widget && !widget->isEnabled()) failWith(QStringLiteral("%1 is disabled").arg(w[1]));
+            if (widget && !widget->isEnabled())
+                failWith(QStringLiteral("%1 is disabled").arg(w[1]));
             if (widget && !widget->isVisible()) failWith(QStringLiteral("%1 is hidden").arg(w[1]));
             if (auto* b = qobject_cast<QAbstractButton*>(o)) {
                 b->click();
@@ -320,8 +320,7 @@ QString ScenarioRunner::runStatement(const QString& line) {
             m_dialogs.queueChoice(w[1]);
         } else if (verb == QStringLiteral("expect-message")) {
             need(1);
-            if (m_dialogs.shown().empty())
-                failWith(QStringLiteral("no message was shown"));
+            if (m_dialogs.shown().empty()) failWith(QStringLiteral("no message was shown"));
             const QString shown = m_dialogs.takeShown();
             if (shown != w[1]) failWith(QStringLiteral("message was \"%1\"").arg(shown));
         } else if (verb == QStringLiteral("expect")) {

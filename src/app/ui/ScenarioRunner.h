@@ -11,12 +11,12 @@ namespace orve::app {
 // as an operator would: typing, clicking, choosing rows, answering questions,
 // and checking what the windows and the data files show.
 class ScenarioRunner {
-public:
+  public:
     ScenarioRunner(ScriptedDialogs& dialogs, Session* session);
     // Empty when every statement passed; otherwise "line N: text: reason".
     QString run(const QString& script);
 
-private:
+  private:
     QString runStatement(const QString& line);
     ScriptedDialogs& m_dialogs;
     Session* m_session;

@@ -13,7 +13,7 @@ namespace orve::app {
 // The windows the menu can open, by window name. A menu entry whose window is
 // not in the catalog stays greyed.
 class ScreenCatalog {
-public:
+  public:
     using Factory = std::function<QWidget*(Session&, Dialogs&, QWidget* parent)>;
     void add(const QString& name, Factory factory) { m_factories[name] = std::move(factory); }
     bool has(const QString& name) const { return m_factories.count(name) > 0; }
@@ -21,7 +21,7 @@ public:
         return m_factories.at(name)(s, d, parent);
     }
 
-private:
+  private:
     std::map<QString, Factory> m_factories;
 };
 

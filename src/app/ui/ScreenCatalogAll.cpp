@@ -7,8 +7,6 @@ void registerReferenceScreens(app::ScreenCatalog& catalog);
 namespace orve::app {
 
 // One line per subsystem that has windows.
-void registerAllScreens(ScreenCatalog& catalog) {
-    reference::registerReferenceScreens(catalog);
-}
+void registerAllScreens(ScreenCatalog& catalog) { reference::registerReferenceScreens(catalog); }
 
 }  // namespace orve::app

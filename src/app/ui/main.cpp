@@ -60,7 +60,8 @@ int main(int argc, char** argv) {
     app.setApplicationName(QStringLiteral("ORVE"));
     ScreenCatalog catalog;
     registerAllScreens(catalog);
-    const QString programFolder = resolveProgramFolder(home, QCoreApplication::applicationDirPath());
+    const QString programFolder =
+        resolveProgramFolder(home, QCoreApplication::applicationDirPath());
     const orve::Clock clock = orve::Clock::fromEnvironment();
 
     if (!scenario.isEmpty()) {

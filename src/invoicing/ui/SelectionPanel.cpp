@@ -100,8 +100,8 @@ SelectionState SelectionPanel::state() const {
     const QString month = m_month->text();
     s.month = month.trimmed() == QStringLiteral("/") ? kEmptyMonthMask : month;
     s.invoiceNumber = m_invoice->text();
-    s.competitionIndex = m_competition->text().trimmed().isEmpty() ? kNoCompetition
-                                                                    : m_competition->text();
+    s.competitionIndex =
+        m_competition->text().trimmed().isEmpty() ? kNoCompetition : m_competition->text();
     s.sortField = m_sortField;
     s.sortDescending = m_sortDescending;
     return s;

@@ -18,7 +18,7 @@ namespace orve::invoicing {
 // screen's grid go to sortBy().
 class SelectionPanel : public QWidget {
     Q_OBJECT
-public:
+  public:
     explicit SelectionPanel(QWidget* parent = nullptr);
 
     // Fills every list for a screen mode ("LIC", "DIV", "COMPET", ...) and
@@ -32,11 +32,11 @@ public:
     // A column head clicked: sorts by it, flipping ASC/DESC on the same column.
     void sortBy(const QString& field);
 
-signals:
+  signals:
     // Any filter changed, or Option1 was clicked: the screen lists again.
     void filterChanged();
 
-private:
+  private:
     void changed();
     void leagueChanged();
 

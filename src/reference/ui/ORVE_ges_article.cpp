@@ -68,7 +68,8 @@ ORVE_ges_article::ORVE_ges_article(app::Session& session, app::Dialogs& dialogs,
     m_price->setAlignment(Qt::AlignRight);
     tariffCard->addWidget(new QLabel(QStringLiteral("Saison : "), m_tariffs), 0, 0, Qt::AlignRight);
     tariffCard->addWidget(m_season, 0, 1);
-    tariffCard->addWidget(new QLabel(QStringLiteral("Tarif (€) : "), m_tariffs), 1, 0, Qt::AlignRight);
+    tariffCard->addWidget(new QLabel(QStringLiteral("Tarif (€) : "), m_tariffs), 1, 0,
+                          Qt::AlignRight);
     tariffCard->addWidget(m_price, 1, 1);
     auto* tariffButtons = new QHBoxLayout;
     const std::pair<const char*, const char*> buttons[] = {{"cmdAjoutTarif", "Ajouter un tarif"},
@@ -159,7 +160,8 @@ void ORVE_ges_article::addTariff() {
 
 void ORVE_ges_article::saveTariff() {
     if (run([&] {
-            articles::saveTariff(store(), {key(), m_tariffNature, m_season->text(), m_price->text()},
+            articles::saveTariff(store(),
+                                 {key(), m_tariffNature, m_season->text(), m_price->text()},
                                  m_addingTariff);
         }))
         cancelTariff();

@@ -9,7 +9,7 @@ namespace orve::reference {
 // The invoiceable articles and, under the chosen one, its price per season.
 class ORVE_ges_article : public PartyScreen {
     Q_OBJECT
-public:
+  public:
     ORVE_ges_article(app::Session& session, app::Dialogs& dialogs, QWidget* parent = nullptr);
 
     void addArticle();
@@ -17,13 +17,13 @@ public:
     void saveTariff();
     void cancelTariff();
 
-protected:
+  protected:
     store::Rows loadRows() override;
     void showRecord(const QString& key) override;
     void saveRecord() override;
     void afterCancel() override;
 
-private:
+  private:
     void chooseNature();
     void checkAccount();
     void chooseTariff(int row);

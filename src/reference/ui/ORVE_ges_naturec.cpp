@@ -16,9 +16,10 @@ const QStringList kYesNo{QStringLiteral("Oui"), QStringLiteral("Non")};
 ORVE_ges_naturec::ORVE_ges_naturec(app::Session& session, app::Dialogs& dialogs, QWidget* parent)
     : PartyScreen(session, dialogs, parent, QStringLiteral("ORVE_ges_naturec"),
                   QStringLiteral("Gestion des natures de compétition"),
-                  QStringLiteral("Codification d'une Nature de Compétition"), QStringLiteral("cmdvalide"),
-                  QStringLiteral("cmdannule")) {
-    auto* note = new QLabel(QStringLiteral("NATURE DE COMPETITION = CODE ANALYTIQUE 1 DE LA COMPTA"), this);
+                  QStringLiteral("Codification d'une Nature de Compétition"),
+                  QStringLiteral("cmdvalide"), QStringLiteral("cmdannule")) {
+    auto* note =
+        new QLabel(QStringLiteral("NATURE DE COMPETITION = CODE ANALYTIQUE 1 DE LA COMPTA"), this);
     note->setObjectName(QStringLiteral("Label1"));
     note->setAlignment(Qt::AlignCenter);
     setGridCaption(QStringLiteral("NATURE DES COMPETITION"));
@@ -55,7 +56,8 @@ ORVE_ges_naturec::ORVE_ges_naturec(app::Session& session, app::Dialogs& dialogs,
     m_fact = group("Frame3", QStringLiteral("Facturation : "), "Option1",
                    {QStringLiteral("sur engagements"), QStringLiteral("sur résultats")});
     m_lines = group("Frame4", QStringLiteral("Facturation des lignes : "), "Option2", kYesNo);
-    m_entryFees = group("Frame5", QStringLiteral("Facturation des engagements : "), "Option3", kYesNo);
+    m_entryFees =
+        group("Frame5", QStringLiteral("Facturation des engagements : "), "Option3", kYesNo);
     resize(760, 700);
     start();
 }
@@ -100,7 +102,8 @@ void ORVE_ges_naturec::deleteNature() {
         return;
     }
     const QString code = grid()->value(row, "n_code").toString();
-    if (!dialogs().ask(QStringLiteral("Etes-vous sûr de vouloir supprimer cette nature ? "))) return;
+    if (!dialogs().ask(QStringLiteral("Etes-vous sûr de vouloir supprimer cette nature ? ")))
+        return;
     if (run([&] { natures::remove(store(), code); })) cancel();
 }
 

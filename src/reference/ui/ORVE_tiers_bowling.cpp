@@ -27,7 +27,8 @@ void showItem(QComboBox* combo, const QString& code) {
     combo->setCurrentIndex(0);
 }
 
-ORVE_tiers_bowling::ORVE_tiers_bowling(app::Session& session, app::Dialogs& dialogs, QWidget* parent)
+ORVE_tiers_bowling::ORVE_tiers_bowling(app::Session& session, app::Dialogs& dialogs,
+                                       QWidget* parent)
     : PartyScreen(session, dialogs, parent, QStringLiteral("ORVE_tiers_bowling"),
                   QStringLiteral("Les Centres de bowling"),
                   QStringLiteral("FICHE D'UN CENTRE DE BOWLING")) {
@@ -55,7 +56,8 @@ ORVE_tiers_bowling::ORVE_tiers_bowling(app::Session& session, app::Dialogs& dial
     new QHBoxLayout(surface);
     m_surface.resize(2);
     // The synthetic surface comes first on the card, as the federation lists them.
-    m_surface[1] = optionGroup(QStringLiteral("Option1"), {QStringLiteral("Synthétique")}, surface)[0];
+    m_surface[1] =
+        optionGroup(QStringLiteral("Option1"), {QStringLiteral("Synthétique")}, surface)[0];
     m_surface[1]->setObjectName(QStringLiteral("Option1_1"));
     m_surface[0] = optionGroup(QStringLiteral("Option1"), {QStringLiteral("Bois")}, surface)[0];
     addRow({}, {surface});
@@ -77,19 +79,23 @@ ORVE_tiers_bowling::ORVE_tiers_bowling(app::Session& session, app::Dialogs& dial
     addRow({}, {boundBox("txt_cp", "b_cp", 80), boundBox("txt_ville", "b_ville")});
 
     // Right half: how to reach it and whom to invoice.
-    addRow(QStringLiteral("Téléphone : "), {boundBox("txt_tel1", "b_tel1"), boundBox("txt_tel2", "b_tel2")}, 1);
+    addRow(QStringLiteral("Téléphone : "),
+           {boundBox("txt_tel1", "b_tel1"), boundBox("txt_tel2", "b_tel2")}, 1);
     addRow(QStringLiteral("Fax : "), {boundBox("Text3", "b_fax")}, 1);
     addRow(QStringLiteral("2 adresses Mail : "), {boundBox("txt_mail1", "b_mail1")}, 1);
     addRow({}, {boundBox("txt_mail2", "b_mail2")}, 1);
     addRow(QStringLiteral("Web : "), {boundBox("txt_site", "b_site")}, 1);
-    addRow(QStringLiteral("Nom du Propriétaire : "), {boundBox("txt_nom_proprietaire", "b_nom_proprietaire")}, 1);
-    addRow(QStringLiteral("Responsable du centre : "), {boundBox("txt_nom_responsable", "b_nom_responsable")}, 1);
+    addRow(QStringLiteral("Nom du Propriétaire : "),
+           {boundBox("txt_nom_proprietaire", "b_nom_proprietaire")}, 1);
+    addRow(QStringLiteral("Responsable du centre : "),
+           {boundBox("txt_nom_responsable", "b_nom_responsable")}, 1);
     addRow(QStringLiteral("Nom de Facturation"), {boundBox("txt_fac_nom", "b_fac_nom")}, 1);
     addRow(QStringLiteral("Adresse de facturation : "), {boundBox("txt_fac_ad1", "b_fac_ad1")}, 1);
     addRow({}, {boundBox("txt_fac_ad2", "b_fac_ad2")}, 1);
     addRow({}, {boundBox("txt_fac_ad3", "b_fac_ad3")}, 1);
     addRow({}, {boundBox("txt_fac_ad4", "b_fac_ad4")}, 1);
-    addRow({}, {boundBox("txt_fac_cp", "b_fac_cp", 80), boundBox("txt_fac_ville", "b_fac_ville")}, 1);
+    addRow({}, {boundBox("txt_fac_cp", "b_fac_cp", 80), boundBox("txt_fac_ville", "b_fac_ville")},
+           1);
 
     run([&] {
         fillItems(m_league, centres::leagueItems(store(), viewer()));
@@ -115,9 +121,10 @@ void ORVE_tiers_bowling::showRecord(const QString& key) {
 }
 
 void ORVE_tiers_bowling::saveRecord() {
-    centres::save(store(), key(),
-                  {readBound(), m_lanes->text(), m_surface[1]->isChecked(), m_approval->displayText()},
-                  session().today());
+    centres::save(
+        store(), key(),
+        {readBound(), m_lanes->text(), m_surface[1]->isChecked(), m_approval->displayText()},
+        session().today());
 }
 
 }  // namespace orve::reference

@@ -10,15 +10,15 @@ namespace orve::reference {
 // address. The league and department are shown, not changed, here.
 class ORVE_tiers_bowling : public PartyScreen {
     Q_OBJECT
-public:
+  public:
     ORVE_tiers_bowling(app::Session& session, app::Dialogs& dialogs, QWidget* parent = nullptr);
 
-protected:
+  protected:
     store::Rows loadRows() override;
     void showRecord(const QString& key) override;
     void saveRecord() override;
 
-private:
+  private:
     QLineEdit* m_number;
     QLineEdit* m_lanes;
     QLineEdit* m_approval;

@@ -11,7 +11,8 @@ using Kind = app::GridColumn::Kind;
 
 ORVE_tiers_club::ORVE_tiers_club(app::Session& session, app::Dialogs& dialogs, QWidget* parent)
     : PartyScreen(session, dialogs, parent, QStringLiteral("ORVE_tiers_club"),
-                  QStringLiteral("Les Clubs de Bowling"), QStringLiteral("FICHE D'UN CLUB DE BOWLING")) {
+                  QStringLiteral("Les Clubs de Bowling"),
+                  QStringLiteral("FICHE D'UN CLUB DE BOWLING")) {
     grid()->setColumns({{QStringLiteral("Code de Club"), "club_code", Kind::Text},
                         {QStringLiteral("Compta"), "club_compta", Kind::Text},
                         {QStringLiteral("Ligue"), "club_region", Kind::Text},
@@ -117,7 +118,8 @@ void ORVE_tiers_club::chooseLeague() {
 
 void ORVE_tiers_club::chooseDepartment() {
     run([&] {
-        if (const auto item = clubs::departmentItem(store(), itemCode(m_department->currentText()))) {
+        if (const auto item =
+                clubs::departmentItem(store(), itemCode(m_department->currentText()))) {
             m_department->setItemText(m_department->currentIndex(), item->text());
             m_departmentCode->setText(item->code);
         }
@@ -135,7 +137,7 @@ void ORVE_tiers_club::showNewKey() {
 void ORVE_tiers_club::saveRecord() {
     chooseLeague();
     chooseDepartment();
-    const clubs::ClubEdit edit{readBound(),         m_district->text(),       m_account->text(),
+    const clubs::ClubEdit edit{readBound(),          m_district->text(),       m_account->text(),
                                m_leagueCode->text(), m_departmentCode->text(), m_number->text()};
     if (adding())
         clubs::add(store(), edit, session().today());

@@ -10,17 +10,17 @@ namespace orve::reference {
 // the department and the club number.
 class ORVE_tiers_club : public PartyScreen {
     Q_OBJECT
-public:
+  public:
     ORVE_tiers_club(app::Session& session, app::Dialogs& dialogs, QWidget* parent = nullptr);
 
     void addClub();
 
-protected:
+  protected:
     store::Rows loadRows() override;
     void showRecord(const QString& key) override;
     void saveRecord() override;
 
-private:
+  private:
     void chooseLeague();
     void chooseDepartment();
     // While adding, the key the club will get follows the department and number.

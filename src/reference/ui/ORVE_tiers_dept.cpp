@@ -21,7 +21,8 @@ ORVE_tiers_dept::ORVE_tiers_dept(app::Session& session, app::Dialogs& dialogs, Q
 
     addRow(QStringLiteral("Intitulé du Comité Départemental : "), {boundBox("txt_lib", "de_lib")});
     addRow(QStringLiteral("Nom du Président : "),
-           {boundBox("txt_president_int", "de_president_int"), boundBox("txt_president_nom", "de_president")});
+           {boundBox("txt_president_int", "de_president_int"),
+            boundBox("txt_president_nom", "de_president")});
     addRow(QStringLiteral("Adresse du C.D. : "), {boundBox("txt_de_ad1", "de_ad1")});
     addRow({}, {boundBox("txt_de_ad2", "de_ad2")});
     addRow({}, {boundBox("txt_de_ad3", "de_ad3")});
@@ -33,8 +34,8 @@ ORVE_tiers_dept::ORVE_tiers_dept(app::Session& session, app::Dialogs& dialogs, Q
     m_leagueName = readOnlyBox("txt_lib_lr");
     addRow(QStringLiteral("Ligue régionale : "), {m_league, m_leagueName});
     auto* options = new QWidget(card());
-    m_entityKind = optionGroup(QStringLiteral("Option1"), {QStringLiteral("La Ligue"), QStringLiteral("au CD")},
-                               options);
+    m_entityKind = optionGroup(QStringLiteral("Option1"),
+                               {QStringLiteral("La Ligue"), QStringLiteral("au CD")}, options);
     addRow(QStringLiteral("Facturation à : "), {options});
     m_entity = textBox("txt_facturation", 80);
     m_entityName = readOnlyBox("txt_lib_fact");
@@ -106,7 +107,10 @@ void ORVE_tiers_dept::lookUpEntity(bool tell) {
 
 void ORVE_tiers_dept::saveRecord() {
     committees::save(store(), key(),
-                     {readBound(), m_league->text(), m_district->text(), m_account->text(),
+                     {readBound(),
+                      m_league->text(),
+                      m_district->text(),
+                      m_account->text(),
                       {committeeEntity(), m_entity->text()}},
                      session().today());
 }

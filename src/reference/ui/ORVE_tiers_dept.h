@@ -8,15 +8,15 @@ namespace orve::reference {
 // entity their invoices go to, looked up as it is typed.
 class ORVE_tiers_dept : public PartyScreen {
     Q_OBJECT
-public:
+  public:
     ORVE_tiers_dept(app::Session& session, app::Dialogs& dialogs, QWidget* parent = nullptr);
 
-protected:
+  protected:
     store::Rows loadRows() override;
     void showRecord(const QString& key) override;
     void saveRecord() override;
 
-private:
+  private:
     // Each look-up shows the name found; `tell` also shows the message when
     // there is none.
     void lookUpLeague(bool tell);

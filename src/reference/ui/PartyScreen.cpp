@@ -130,7 +130,8 @@ QLineEdit* PartyScreen::readOnlyBox(const QString& name, int width) {
     return box;
 }
 
-void PartyScreen::addRow(const QString& label, std::initializer_list<QWidget*> controls, int column) {
+void PartyScreen::addRow(const QString& label, std::initializer_list<QWidget*> controls,
+                         int column) {
     const int row = m_nextRow[column]++;
     // A card in two halves shares the width; a card in one takes it all.
     if (column == 1) m_form->setColumnStretch(3, 1);
@@ -148,7 +149,8 @@ void PartyScreen::addRow(const QString& label, std::initializer_list<QWidget*> c
     m_form->addLayout(line, row, column * 2 + 1);
 }
 
-std::vector<QRadioButton*> PartyScreen::optionGroup(const QString& name, const QStringList& captions,
+std::vector<QRadioButton*> PartyScreen::optionGroup(const QString& name,
+                                                    const QStringList& captions,
                                                     QWidget* container) {
     auto* layout = container->layout() ? container->layout() : new QHBoxLayout(container);
     std::vector<QRadioButton*> buttons;

@@ -25,7 +25,7 @@ namespace orve::reference {
 // A window adds its columns, its card boxes and its one rule per handler.
 class PartyScreen : public QWidget {
     Q_OBJECT
-public:
+  public:
     PartyScreen(app::Session& session, app::Dialogs& dialogs, QWidget* parent, const QString& name,
                 const QString& title, const QString& cardTitle,
                 const QString& validateName = QStringLiteral("CmdValide"),
@@ -36,7 +36,7 @@ public:
     void validate();
     void cancel();
 
-protected:
+  protected:
     app::DataGrid* grid() const { return m_grid; }
     QGroupBox* card() const { return m_card; }
     QVBoxLayout* mainLayout() const { return m_main; }
@@ -87,7 +87,7 @@ protected:
         return app::guarded(m_dialogs, std::forward<F>(work));
     }
 
-private:
+  private:
     app::Session& m_session;
     app::Dialogs& m_dialogs;
     app::DataGrid* m_grid;
