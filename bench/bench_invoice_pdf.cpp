@@ -13,7 +13,8 @@
 #include <cstdio>
 #include <vector>
 
-#include "app/DemoData.h"
+#include "shell/Composition.h"
+#include "shell/DemoData.h"
 #include "app/Session.h"
 #include "app/SignIn.h"
 #include "app/Startup.h"
@@ -32,8 +33,8 @@ int main(int argc, char** argv) {
 
     QTemporaryDir dir;
     const QString home = dir.filePath(QStringLiteral("inst"));
-    app::createDemoInstallation(home, today);
-    auto session = app::startSession(home, Clock::fixed(today));
+    shell::createDemoInstallation(home, today);
+    auto session = shell::openSession(home, Clock::fixed(today));
     app::actAs(*session, login);
     store::Store& store = session->store();
 

@@ -2,7 +2,6 @@
 
 #include "app/Backup.h"
 #include "app/BatchCommands.h"
-#include "app/DemoData.h"
 #include "app/InstallationSetup.h"
 #include "app/SignIn.h"
 #include "app/Users.h"
@@ -12,28 +11,12 @@ namespace orve::app {
 
 namespace {
 
-QString required(const QStringList& values, int i, const QString& usage) {
-    if (i >= values.size() || values[i].isEmpty())
-        throw Refusal(QStringLiteral("Argument manquant. Usage : orve-batch %1").arg(usage));
-    return values[i];
-}
-
 int init(BatchContext& c) {
     const QString usage = QStringLiteral("init DIR --code C --name N --district D");
-    const QString dir = required(c.positional(), 0, usage);
+    const QString dir = requiredArgument(c.positional(), 0, usage);
     createInstallation(dir, {c.option("--code"), c.option("--name"), c.option("--district")},
                        c.clock().today());
     c.out() << "installation créée dans " << QDir(dir).absolutePath() << "\n";
-    return 0;
-}
-
-int initDemo(BatchContext& c) {
-    const QString dir = required(c.positional(), 0, QStringLiteral("init-demo DIR"));
-    createDemoInstallation(dir, c.clock().today());
-    c.out() << "installation de démonstration créée dans " << QDir(dir).absolutePath() << "\n";
-    for (const auto& u : demoUsers())
-        c.out() << "utilisateur " << u.login << " (" << u.role << ", ligue " << u.league
-                << ") mot de passe : " << u.password << "\n";
     return 0;
 }
 
@@ -41,8 +24,8 @@ int user(BatchContext& c) {
     const QString usage =
         QStringLiteral("user add LOGIN --league CODE [--mail ADDR] | user passwd LOGIN");
     const QStringList p = c.positional();
-    const QString verb = required(p, 0, usage);
-    const QString login = required(p, 1, usage);
+    const QString verb = requiredArgument(p, 0, usage);
+    const QString login = requiredArgument(p, 1, usage);
     if (verb == QStringLiteral("add")) {
         const QString league = c.option("--league");
         if (league.isEmpty()) throw Refusal(QStringLiteral("La ligue (--league) est obligatoire."));
@@ -59,7 +42,7 @@ int user(BatchContext& c) {
 }
 
 int signin(BatchContext& c) {
-    const QString login = required(c.positional(), 0, QStringLiteral("signin LOGIN"));
+    const QString login = requiredArgument(c.positional(), 0, QStringLiteral("signin LOGIN"));
     Session& s = c.session();
     if (!signIn(s, login, c.readLine())) throw Refusal(kInvalidLogin);
     const auto& i = s.installation();
@@ -78,7 +61,7 @@ int signin(BatchContext& c) {
 }
 
 int backup(BatchContext& c) {
-    const QString dest = required(c.positional(), 0, QStringLiteral("backup DEST"));
+    const QString dest = requiredArgument(c.positional(), 0, QStringLiteral("backup DEST"));
     const QStringList copied = backupDataFolder(c.session().dataFolder(), dest);
     for (const QString& name : copied)
         c.out() << "copié " << name << " vers " << QDir::toNativeSeparators(dest) << "\n";
@@ -90,7 +73,6 @@ int backup(BatchContext& c) {
 
 void registerAppBatchCommands(BatchRegistry& r) {
     r.add({"init", "init DIR --code C --name N --district D", init});
-    r.add({"init-demo", "init-demo DIR", initDemo});
     r.add({"user",
            "user add LOGIN --league CODE [--mail ADDR] | user passwd LOGIN (mot de passe "
            "sur l'entrée standard)",

@@ -10,17 +10,19 @@
 namespace orve::app {
 
 BatchContext::BatchContext(QStringList args, QString programFolder, QString asLogin,
-                           QTextStream& out, QTextStream& err, Clock clock)
+                           QTextStream& out, QTextStream& err, Clock clock,
+                           SessionOpener openSession)
     : m_args(std::move(args)),
       m_programFolder(std::move(programFolder)),
       m_asLogin(std::move(asLogin)),
       m_out(out),
       m_err(err),
-      m_clock(clock) {}
+      m_clock(clock),
+      m_openSession(std::move(openSession)) {}
 
 Session& BatchContext::session() {
     if (!m_session) {
-        m_session = startSession(m_programFolder, m_clock);
+        m_session = m_openSession(m_programFolder, m_clock);
         if (!m_asLogin.isEmpty()) actAs(*m_session, m_asLogin);
     }
     return *m_session;
@@ -48,13 +50,20 @@ QString BatchContext::readLine() {
     return in.readLine();
 }
 
+QString requiredArgument(const QStringList& values, int i, const QString& usage) {
+    if (i >= values.size() || values[i].isEmpty())
+        throw Refusal(QStringLiteral("Argument manquant. Usage : orve-batch %1").arg(usage));
+    return values[i];
+}
+
 const BatchCommand* BatchRegistry::find(const QString& name) const {
     for (const auto& c : m_commands)
         if (c.name == name) return &c;
     return nullptr;
 }
 
-int runBatch(const QStringList& arguments, const QString& executableFolder, QTextStream& out,
+int runBatch(const BatchRegistry& registry, const BatchContext::SessionOpener& openSession,
+             const QStringList& arguments, const QString& executableFolder, QTextStream& out,
              QTextStream& err) {
     QStringList args = arguments;
     QString home;
@@ -68,8 +77,6 @@ int runBatch(const QStringList& arguments, const QString& executableFolder, QTex
             ++i;
         }
     }
-    BatchRegistry registry;
-    registerAllBatchCommands(registry);
     const BatchCommand* command = args.isEmpty() ? nullptr : registry.find(args.first());
     if (!command) {
         err << "usage: orve-batch [--home DIR] [--as LOGIN] COMMAND ...\n";
@@ -79,7 +86,7 @@ int runBatch(const QStringList& arguments, const QString& executableFolder, QTex
     }
     args.removeFirst();
     BatchContext context(args, resolveProgramFolder(home, executableFolder), as, out, err,
-                         Clock::fromEnvironment());
+                         Clock::fromEnvironment(), openSession);
     try {
         const int rc = command->run(context);
         out.flush();

@@ -16,8 +16,12 @@ namespace orve::app {
 // program folder, the login of --as, and where to print.
 class BatchContext {
   public:
+    // Opens the installation of a program folder, wired as the program wires it.
+    using SessionOpener =
+        std::function<std::unique_ptr<Session>(const QString& programFolder, const Clock& clock)>;
+
     BatchContext(QStringList args, QString programFolder, QString asLogin, QTextStream& out,
-                 QTextStream& err, Clock clock);
+                 QTextStream& err, Clock clock, SessionOpener openSession);
 
     const QStringList& args() const { return m_args; }
     const QString& programFolder() const { return m_programFolder; }
@@ -46,8 +50,12 @@ class BatchContext {
     QTextStream& m_out;
     QTextStream& m_err;
     Clock m_clock;
+    SessionOpener m_openSession;
     std::unique_ptr<Session> m_session;
 };
+
+// values[i], or a refusal that shows the command's usage.
+QString requiredArgument(const QStringList& values, int i, const QString& usage);
 
 struct BatchCommand {
     QString name;
@@ -66,13 +74,13 @@ class BatchRegistry {
     std::vector<BatchCommand> m_commands;
 };
 
-// Every subsystem adds its commands here.
-void registerAllBatchCommands(BatchRegistry& registry);
+// init, user, signin, backup.
 void registerAppBatchCommands(BatchRegistry& registry);
 
 // Parses global options (--home DIR, --as LOGIN), runs the command, prints a
 // refusal's French message and returns 1 on refusal or error.
-int runBatch(const QStringList& arguments, const QString& executableFolder, QTextStream& out,
+int runBatch(const BatchRegistry& registry, const BatchContext::SessionOpener& openSession,
+             const QStringList& arguments, const QString& executableFolder, QTextStream& out,
              QTextStream& err);
 
 }  // namespace orve::app

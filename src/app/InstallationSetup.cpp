@@ -39,7 +39,7 @@ void createInstallation(const QString& dir, const NewInstallation& values, const
     // Relative to the program folder, so the installation can be moved whole.
     writeLine(root.filePath(kBasePathFile), QStringLiteral("donnees/"));
     writeLine(root.filePath(kInvoicePathFile), QStringLiteral("factures/"));
-    auto store = store::Store::open(root.filePath(QStringLiteral("donnees")));
+    auto store = store::Store::create(root.filePath(QStringLiteral("donnees")));
     const auto year = financialYearOf(today);
     store::Transaction tx(*store);
     store->exec(QStringLiteral("DELETE FROM strspecif"));

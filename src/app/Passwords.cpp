@@ -28,6 +28,8 @@ QString hashPassword(const QString& password) {
 bool isPasswordHash(const QString& stored) { return stored.startsWith(QStringLiteral("$argon2")); }
 
 bool passwordMatches(const QString& stored, const QString& typed) {
+    // A row typed by hand without a password must not open with an empty one.
+    if (stored.isEmpty()) return false;
     if (!isPasswordHash(stored)) return stored == typed;
     ensureSodium();
     const QByteArray hash = stored.toLatin1();

@@ -20,4 +20,8 @@ void Session::setUser(const Operator& user) {
     m_signedIn = true;
 }
 
+void Session::runSignInSteps() {
+    for (const auto& step : m_signInSteps) step(*m_store, today());
+}
+
 }  // namespace orve::app

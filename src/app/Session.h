@@ -2,7 +2,9 @@
 
 #include <QDate>
 #include <QString>
+#include <functional>
 #include <memory>
+#include <vector>
 
 #include "store/Clock.h"
 #include "store/Store.h"
@@ -52,8 +54,12 @@ class Session {
     // Full rights belong to this one login, compared exactly.
     bool isAdministrator() const { return m_user.login == QStringLiteral("gestu"); }
 
-    const QString& screenMode() const { return m_screenMode; }
-    void setScreenMode(const QString& mode) { m_screenMode = mode; }
+    // What every sign-in makes sure of in the data (the pseudo-competitions,
+    // say). The subsystem that owns the data adds its step when the program
+    // wires itself together; sign-in runs them inside its transaction.
+    using SignInStep = std::function<void(store::Store&, const QDate& today)>;
+    void addSignInStep(SignInStep step) { m_signInSteps.push_back(std::move(step)); }
+    void runSignInSteps();
 
     Clock& clock() { return m_clock; }
     QDate today() const { return m_clock.today(); }
@@ -67,7 +73,7 @@ class Session {
     Clock m_clock;
     Operator m_user;
     bool m_signedIn = false;
-    QString m_screenMode;
+    std::vector<SignInStep> m_signInSteps;
 };
 
 }  // namespace orve::app

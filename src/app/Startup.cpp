@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QTextStream>
 
+#include "store/Formats.h"
 #include "store/Refusal.h"
 
 namespace orve::app {
@@ -58,7 +59,7 @@ std::unique_ptr<Session> startSession(const QString& programFolder, const Clock&
     if (!QFileInfo(dataFolder).isDir()) {
         throw Refusal(QStringLiteral("Le dossier des données « %1 », indiqué par %2, n'existe pas. "
                                      "Corrigez %2 ou créez ce dossier.")
-                          .arg(QDir::toNativeSeparators(dataFolder), kBasePathFile));
+                          .arg(format::echoed(QDir::toNativeSeparators(dataFolder)), kBasePathFile));
     }
     auto store = store::Store::open(dataFolder);
     const auto row = store->selectOne(

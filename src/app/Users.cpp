@@ -5,10 +5,17 @@
 
 namespace orve::app {
 
+void checkPasswordStrength(const QString& password) {
+    if (password.isEmpty()) throw Refusal(QStringLiteral("Le mot de passe est obligatoire."));
+    if (password.size() < kMinPasswordLength)
+        throw Refusal(QStringLiteral("Le mot de passe doit compter au moins %1 caractères.")
+                          .arg(kMinPasswordLength));
+}
+
 void addUser(store::Store& store, const QString& login, const QString& league, const QString& mail,
              const QString& password) {
     if (login.trimmed().isEmpty()) throw Refusal(QStringLiteral("Le login est obligatoire."));
-    if (password.isEmpty()) throw Refusal(QStringLiteral("Le mot de passe est obligatoire."));
+    checkPasswordStrength(password);
     store::Transaction tx(store);
     if (store.exists(QStringLiteral("SELECT 1 FROM strparam WHERE par_login = ?"), {login}))
         throw Refusal(QStringLiteral("L'utilisateur « %1 » existe déjà.").arg(login));
@@ -20,7 +27,7 @@ void addUser(store::Store& store, const QString& login, const QString& league, c
 }
 
 void changePassword(store::Store& store, const QString& login, const QString& password) {
-    if (password.isEmpty()) throw Refusal(QStringLiteral("Le mot de passe est obligatoire."));
+    checkPasswordStrength(password);
     store::Transaction tx(store);
     if (store.update(QStringLiteral("strparam"), {{"par_pwd", hashPassword(password)}},
                      QStringLiteral("par_login = ?"), {login}) == 0)

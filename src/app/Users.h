@@ -6,6 +6,10 @@
 
 namespace orve::app {
 
+inline constexpr int kMinPasswordLength = 8;
+// Refuses an empty password or one shorter than kMinPasswordLength.
+void checkPasswordStrength(const QString& password);
+
 // Adds an operator with a hashed password. Refuses an existing login.
 void addUser(store::Store& store, const QString& login, const QString& league, const QString& mail,
              const QString& password);

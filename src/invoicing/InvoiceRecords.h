@@ -4,6 +4,7 @@
 #include <QString>
 #include <vector>
 
+#include "competitions/PseudoCompetitions.h"
 #include "store/Money.h"
 #include "store/Store.h"
 
@@ -23,11 +24,11 @@ inline const QString kCopyLineNumber = QStringLiteral("99");
 inline const QString kInvoiceType = QStringLiteral("F");
 inline const QString kCreditNoteType = QStringLiteral("A");
 
-// The pseudo-competitions that carry invoices belonging to no competition.
-inline const QString kLicenceIndex = QStringLiteral("8FA00000");
-inline const QString kMiscIndex = QStringLiteral("8FA00001");
-inline const QString kLeagueIndex = QStringLiteral("8FA00005");
-inline const QString kRegionalDayIndex = QStringLiteral("8FA00006");
+// Invoices that belong to no competition are filed under these.
+using competitions::kLeagueIndex;
+using competitions::kLicenceIndex;
+using competitions::kMiscIndex;
+using competitions::kRegionalDayIndex;
 
 // Name and address of a party as the header keeps it. A party is either a
 // third party with an account (`account`) or a free address known by an

@@ -1,8 +1,6 @@
 #pragma once
 
-namespace orve::app {
-class BatchRegistry;
-}
+#include "app/BatchCommands.h"
 
 namespace orve::invoicing {
 

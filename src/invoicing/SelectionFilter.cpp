@@ -66,11 +66,8 @@ void toggleSort(SelectionState& state, const QString& field) {
 
 SelectionCondition buildSelectionCondition(const SelectionState& s) {
     SelectionCondition c;
-    QStringList parts;
-    auto add = [&](const QString& sql, const QVariant& value) {
-        parts << sql;
-        c.params.push_back(value);
-    };
+    store::Condition& where = c.competitions;
+    auto add = [&](const QString& sql, const QVariant& value) { where &= {sql, {value}}; };
     // The season is always a filter.
     add(QStringLiteral("c_saison = ?"), s.season.trimmed());
     // Codes compare without regard to case, as everywhere else.
@@ -86,9 +83,8 @@ SelectionCondition buildSelectionCondition(const SelectionState& s) {
     if (name.startsWith(QChar('%'))) {
         const QString prefix = name.mid(1);
         if (!prefix.isEmpty()) {
-            parts << QStringLiteral("upper(substr(c_nom_organisateur, 1, ?)) = upper(?)");
-            c.params.push_back(static_cast<int>(prefix.size()));
-            c.params.push_back(prefix);
+            where &= {QStringLiteral("upper(substr(c_nom_organisateur, 1, ?)) = upper(?)"),
+                      {static_cast<int>(prefix.size()), prefix}};
         }
     } else if (!name.isEmpty()) {
         add(QStringLiteral("instr(upper(c_nom_organisateur), upper(?)) > 0"), name);
@@ -99,7 +95,7 @@ SelectionCondition buildSelectionCondition(const SelectionState& s) {
         const QString item = s.codes[i];
         if (item.isEmpty() || item == kAll) continue;
         if (item.trimmed().isEmpty())
-            parts << QStringLiteral("trim(COALESCE(c_cod%1, '')) = ''").arg(i + 1);
+            where &= {QStringLiteral("trim(COALESCE(c_cod%1, '')) = ''").arg(i + 1)};
         else
             addKey(QStringLiteral("c_cod%1").arg(i + 1), item.trimmed());
     }
@@ -115,18 +111,10 @@ SelectionCondition buildSelectionCondition(const SelectionState& s) {
     const qint64 number = format::leadingNumber(s.invoiceNumber);
     if (number > 0) c.invoiceNumber = QString::number(number);
 
-    QStringList lineParts;
-    if (c.monthKey != kNoMonth) {
-        lineParts << QStringLiteral("substr(f_tri_date, 1, 6) = ?");
-        c.lineParams.push_back(c.monthKey);
-    }
-    if (!c.invoiceNumber.isEmpty()) {
-        lineParts << QStringLiteral("f_num_facture = ?");
-        c.lineParams.push_back(paddedInvoiceNumber(c.invoiceNumber));
-    }
-    c.lineWhere = lineParts.join(QStringLiteral(" AND "));
+    if (c.monthKey != kNoMonth) c.lines &= {QStringLiteral("substr(f_tri_date, 1, 6) = ?"), {c.monthKey}};
+    if (!c.invoiceNumber.isEmpty())
+        c.lines &= {QStringLiteral("f_num_facture = ?"), {paddedInvoiceNumber(c.invoiceNumber)}};
 
-    c.where = parts.join(QStringLiteral(" AND "));
     if (!s.sortField.isEmpty() && isSortableColumn(s.sortField))
         c.orderBy = QStringLiteral(" ORDER BY %1 %2")
                         .arg(s.sortField,

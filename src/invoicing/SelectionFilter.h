@@ -6,6 +6,7 @@
 #include <array>
 #include <optional>
 
+#include "store/Condition.h"
 #include "store/Store.h"
 
 // The filter panel shared by the invoice, journal, transfer and statistics
@@ -35,19 +36,17 @@ struct SelectionState {
     bool sortDescending = false;
 };
 
-// A condition with its values bound to "?" in order. `where` has no leading
-// keyword: "c_saison = ? AND upper(trim(c_type)) = upper(?)".
+// What the panel chooses, as bound conditions.
 struct SelectionCondition {
-    QString where;
-    store::Params params;
+    // On strcompetition: "c_saison = ? AND upper(trim(c_type)) = upper(?)"...
+    store::Condition competitions;
     QString orderBy;  // " ORDER BY c_intitule ASC", or empty
     // The two filters that apply to invoices rather than competitions.
     QString monthKey = kNoMonth;  // "yyyymm", or "000000" for every month
     QString invoiceNumber;        // as stored in ent_fact_no, or empty for all
     // The same two as a condition on invoice lines (f_tri_date, f_num_facture),
-    // for the screens that read the lines: "" when neither is set.
-    QString lineWhere;
-    store::Params lineParams;
+    // for the screens that read the lines: empty when neither is set.
+    store::Condition lines;
 };
 
 // "LR06 # Provence" gives "LR06"; "Provence # LR06" gives "LR06" with

@@ -36,12 +36,12 @@ const QStringList& cardColumns() {
     return columns;
 }
 
-store::Rows list(store::Store& store, const Viewer& viewer) {
-    const SqlFilter filter = visibilityFilter(viewer, visibility());
-    return store.select(QStringLiteral("select * from strbowling") + filter.whereClause() +
-                            QStringLiteral(" order by b_compte_tiers"),
-                        filter.params);
+store::Query listing(const Viewer& viewer) {
+    return {QStringLiteral("select * from strbowling"), visibilityFilter(viewer, visibility()),
+            QStringLiteral("b_compte_tiers")};
 }
+
+store::Rows list(store::Store& store, const Viewer& viewer) { return store.select(listing(viewer)); }
 
 std::optional<store::Row> find(store::Store& store, const QString& key) {
     return store.selectOne(QStringLiteral("select * from strbowling where b_compte_tiers = ?"),

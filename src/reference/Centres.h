@@ -19,6 +19,7 @@ const QStringList& cardColumns();
 inline const QString kSynthetic = QStringLiteral("Synthétique");
 inline const QString kWood = QStringLiteral("Bois");
 
+store::Query listing(const Viewer& viewer);
 store::Rows list(store::Store& store, const Viewer& viewer);
 std::optional<store::Row> find(store::Store& store, const QString& key);
 

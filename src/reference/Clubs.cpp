@@ -17,12 +17,12 @@ const QStringList& cardColumns() {
     return columns;
 }
 
-store::Rows list(store::Store& store, const Viewer& viewer) {
-    const SqlFilter filter = visibilityFilter(viewer, visibility());
-    return store.select(QStringLiteral("select * from strclub") + filter.whereClause() +
-                            QStringLiteral(" order by club_code"),
-                        filter.params);
+store::Query listing(const Viewer& viewer) {
+    return {QStringLiteral("select * from strclub"), visibilityFilter(viewer, visibility()),
+            QStringLiteral("club_code")};
 }
+
+store::Rows list(store::Store& store, const Viewer& viewer) { return store.select(listing(viewer)); }
 
 std::optional<store::Row> find(store::Store& store, const QString& code) {
     return store.selectOne(QStringLiteral("select * from strclub where club_code = ?"), {code});

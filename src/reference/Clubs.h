@@ -19,6 +19,7 @@ const QStringList& cardColumns();
 // The district a new club starts in.
 inline const QString kNewClubDistrict = QStringLiteral("D1");
 
+store::Query listing(const Viewer& viewer);
 store::Rows list(store::Store& store, const Viewer& viewer);
 std::optional<store::Row> find(store::Store& store, const QString& code);
 

@@ -18,12 +18,12 @@ const QStringList& cardColumns() {
     return columns;
 }
 
-store::Rows list(store::Store& store, const Viewer& viewer) {
-    const SqlFilter filter = visibilityFilter(viewer, visibility());
-    return store.select(QStringLiteral("select * from strdept") + filter.whereClause() +
-                            QStringLiteral(" order by de_no"),
-                        filter.params);
+store::Query listing(const Viewer& viewer) {
+    return {QStringLiteral("select * from strdept"), visibilityFilter(viewer, visibility()),
+            QStringLiteral("de_no")};
 }
+
+store::Rows list(store::Store& store, const Viewer& viewer) { return store.select(listing(viewer)); }
 
 std::optional<store::Row> find(store::Store& store, const QString& number) {
     return store.selectOne(QStringLiteral("select * from strdept where de_no = ?"),

@@ -15,6 +15,7 @@ const VisibilityColumns& visibility();
 // The columns written back from the card as typed.
 const QStringList& cardColumns();
 
+store::Query listing(const Viewer& viewer);
 store::Rows list(store::Store& store, const Viewer& viewer);
 // By number as typed ("5" finds "005").
 std::optional<store::Row> find(store::Store& store, const QString& number);

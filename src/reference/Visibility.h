@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "store/Store.h"
+#include "store/Condition.h"
 
 namespace orve::app {
 class Session;
@@ -31,19 +31,9 @@ struct VisibilityColumns {
     QString committee;
 };
 
-// A condition on a table, with its values bound.
-struct SqlFilter {
-    QString condition;  // empty: no restriction
-    store::Params params;
-    // " where <condition>" or nothing, ready to follow a "select ... from table".
-    QString whereClause() const;
-    // The condition joined to another one with "and".
-    SqlFilter and_(const QString& other, const store::Params& otherParams) const;
-};
-
 // National users see everything; a committee user sees its own committee; any
 // other user sees its league and, unless the installation's district is "DD",
 // only its district.
-SqlFilter visibilityFilter(const Viewer& viewer, const VisibilityColumns& columns);
+store::Condition visibilityFilter(const Viewer& viewer, const VisibilityColumns& columns);
 
 }  // namespace orve::reference

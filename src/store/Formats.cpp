@@ -74,4 +74,9 @@ QString padCode(const QString& text, int width) {
 
 QString padValue(const QString& text, int width) { return zeroPad(leadingNumber(text), width); }
 
+QString echoed(const QString& value) {
+    constexpr int kLongest = 200;
+    return value.size() <= kLongest ? value : value.left(kLongest) + QStringLiteral("…");
+}
+
 }  // namespace orve::format

@@ -48,4 +48,8 @@ QString padCode(const QString& text, int width);
 // The numeric value of a text zero-padded: "41a" gives "000041" at width 6.
 QString padValue(const QString& text, int width);
 
+// A value read from a file or typed, as a message repeats it: cut at 200
+// characters with "…", so a garbage line cannot bury the message itself.
+QString echoed(const QString& value);
+
 }  // namespace orve::format

@@ -1,9 +1,13 @@
 #pragma once
 
 #include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QSqlRecord>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
+#include <map>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -25,21 +29,28 @@ using Rows = std::vector<QSqlRecord>;
 // Column name and value, in the order they are written.
 using Fields = std::vector<std::pair<QString, QVariant>>;
 
+struct Query;
+
 class Store {
   public:
-    // Opens the data folder's files, creating them and bringing their schema up
-    // to date first. Throws StoreError with a French message when it cannot.
+    // Opens the data folder's files, bringing their schema up to date first.
+    // A missing or empty shared file is refused (it would pass for an empty
+    // federation and restart the numbering); only the scratch file is made
+    // again. Throws StoreError with a French message when it cannot.
     static std::unique_ptr<Store> open(const QString& dataFolder);
+    // A new installation's files: creates the five files, then opens them.
+    static std::unique_ptr<Store> create(const QString& dataFolder);
     ~Store();
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
 
     const QString& dataFolder() const { return m_folder; }
     QString path(File f) const;
-    QSqlDatabase database() const;
 
     // Every statement takes its values bound to "?" placeholders, never spliced in.
     Rows select(const QString& sql, const Params& params = {}) const;
+    // A listing's rows; with a limit, one page of them from `offset` on.
+    Rows select(const Query& query, int limit = -1, int offset = 0) const;
     std::optional<Row> selectOne(const QString& sql, const Params& params = {}) const;
     QVariant scalar(const QString& sql, const Params& params = {}) const;
     bool exists(const QString& sql, const Params& params = {}) const;
@@ -49,16 +60,27 @@ class Store {
     int update(const QString& table, const Fields& fields, const QString& where,
                const Params& whereParams) const;
 
-    // Used by Transaction.
+  private:
+    friend class Transaction;
+    explicit Store(QString folder, QString connection);
+    QSqlDatabase database() const;
+    QSqlQuery run(const QString& sql, const Params& params) const;
+    // Reads every row, or throws: a step that fails must not pass for the end.
+    Rows fetchAll(QSqlQuery& query, const QString& sql) const;
+    [[noreturn]] void fail(const QString& sql, const QSqlError& error) const;
+    void learnTables();
+    QStringList lockedFiles() const;
+    // Only through Transaction, so that no rule can leave one open.
     void begin();
     void commit();
     void rollback();
 
-  private:
-    explicit Store(QString folder, QString connection);
     QString m_folder;
     QString m_connection;
     int m_depth = 0;
+    // Which file each table lives in, read from the files themselves, so an
+    // error names the file to restore.
+    std::map<QString, File> m_tableFiles;
 };
 
 // One business operation, one transaction: rolls back unless committed.
@@ -79,5 +101,9 @@ class Transaction {
 // Applies the schema files of one data file, brings it to WAL mode; used at
 // open, and by installations created from scratch.
 void prepareFile(const QString& dataFolder, File f);
+
+// The operator's words for an engine error: what usually causes it in French,
+// the engine's own text in brackets for support.
+QString describeEngineError(const QSqlError& error);
 
 }  // namespace orve::store

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include "support/TestInstall.h"
@@ -32,14 +33,14 @@ TEST(Batch, InitUserSigninAndBackupFromAShell) {
     ASSERT_EQ(runProgram(kBatch,
                          {"--home", home, "user", "add", "nantes", "--league", "LR44", "--mail",
                           "compta@ligue44.example"},
-                         "s'ecret\n", &out, &err, kToday),
+                         "s'ecret-44\n", &out, &err, kToday),
               0)
         << err.toStdString();
     EXPECT_EQ(
         runProgram(kBatch, {"--home", home, "signin", "nantes"}, "faux\n", &out, &err, kToday), 1);
     EXPECT_EQ(err.trimmed(), "Login-Mot de passe invalide");
     ASSERT_EQ(
-        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret\n", &out, &err, kToday),
+        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret-44\n", &out, &err, kToday),
         0);
     EXPECT_TRUE(out.contains("login: nantes\n")) << out.toStdString();
     EXPECT_TRUE(out.contains("league: LR44\n"));
@@ -47,14 +48,14 @@ TEST(Batch, InitUserSigninAndBackupFromAShell) {
     EXPECT_TRUE(out.contains("installation_name: Ligue des Pays de la Loire\n"));
     EXPECT_TRUE(out.contains("financial_year_start: 20260901\n"));
 
-    ASSERT_EQ(runProgram(kBatch, {"--home", home, "user", "passwd", "nantes"}, "neuf\n", &out, &err,
+    ASSERT_EQ(runProgram(kBatch, {"--home", home, "user", "passwd", "nantes"}, "neuf-2027!\n", &out, &err,
                          kToday),
               0);
     EXPECT_EQ(
-        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret\n", &out, &err, kToday),
+        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret-44\n", &out, &err, kToday),
         1);
     EXPECT_EQ(
-        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "neuf\n", &out, &err, kToday), 0);
+        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "neuf-2027!\n", &out, &err, kToday), 0);
 
     const QString usb = dir.filePath("usb");
     QDir().mkpath(usb);
@@ -70,6 +71,24 @@ TEST(Batch, InitUserSigninAndBackupFromAShell) {
                          kToday),
               1);
     EXPECT_TRUE(err.contains("chemin_base.txt")) << err.toStdString();
+
+    // Passwords too short to mean anything are refused.
+    EXPECT_EQ(runProgram(kBatch, {"--home", home, "user", "add", "court", "--league", "LR44"},
+                         "1234567\n", &out, &err, kToday),
+              1);
+    EXPECT_TRUE(err.contains("au moins 8 caractères")) << err.toStdString();
+
+    // A lost invoice file stops the command with one French line and nothing
+    // else on the terminal; the file is not made again.
+    const QString facture = QDir(home).filePath("donnees/bow_facture.db");
+    ASSERT_TRUE(QFile::remove(facture));
+    EXPECT_EQ(runProgram(kBatch, {"--home", home, "signin", "nantes"}, "neuf-2027!\n", &out, &err,
+                         kToday),
+              1);
+    EXPECT_EQ(err.trimmed(), QString("Le fichier de données bow_facture.db est introuvable (ou "
+                                     "vide) dans %1. Restaurez-le depuis une sauvegarde.")
+                                 .arg(QDir(home).filePath("donnees")));
+    EXPECT_FALSE(QFile::exists(facture));
 }
 
 TEST(Batch, DemoInstallationPrintsItsUsers) {

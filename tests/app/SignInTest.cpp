@@ -62,11 +62,11 @@ TEST(SignIn, PlainTextPasswordIsAcceptedOnceThenHashed) {
 TEST(SignIn, PseudoCompetitionsAreMadeOnceWithTheirValues) {
     test::TestInstall inst(test::TestInstall::Kind::Empty, QDate(2026, 11, 21));
     auto s = inst.start();
-    addUser(s->store(), "gestu", "JKV", "", "pw");
+    addUser(s->store(), "gestu", "JKV", "", "pw-456789");
     // An existing row with another season is left untouched.
     s->store().insert("strcompetition",
                       {{"c_index", "8FA00000"}, {"c_saison", "2025"}, {"c_intitule", "à garder"}});
-    ASSERT_TRUE(signIn(*s, "gestu", "pw"));
+    ASSERT_TRUE(signIn(*s, "gestu", "pw-456789"));
     const auto rows = s->store().select("SELECT * FROM strcompetition ORDER BY rowid");
     ASSERT_EQ(rows.size(), 4u);
     EXPECT_EQ(rows[0].value("c_saison").toString(), "2025");
@@ -106,18 +106,41 @@ TEST(SignIn, PseudoCompetitionsAreMadeOnceWithTheirValues) {
         EXPECT_EQ(r.value("c_add_tiers").toString(), "N");
         EXPECT_EQ(r.value("index_reference").toString(), "00000000");
     }
-    ASSERT_TRUE(signIn(*s, "gestu", "pw"));
+    ASSERT_TRUE(signIn(*s, "gestu", "pw-456789"));
     EXPECT_EQ(s->store().scalar("SELECT count(*) FROM strcompetition").toInt(), 4);
 }
 
 TEST(Users, AddAndChangePasswordRefuseWhatMakesNoSense) {
     test::TestInstall inst;
     auto s = inst.start();
-    EXPECT_THROW(addUser(s->store(), "GESTU", "JKV", "", "x"), Refusal);
+    EXPECT_THROW(addUser(s->store(), "GESTU", "JKV", "", "x-long-enough"), Refusal);
     EXPECT_THROW(addUser(s->store(), "nouveau", "LR11", "", ""), Refusal);
-    EXPECT_THROW(changePassword(s->store(), "personne", "x"), Refusal);
-    addUser(s->store(), "nouveau", "LR11", "n@x.example", "premier");
-    changePassword(s->store(), "nouveau", "second");
-    EXPECT_FALSE(signIn(*s, "nouveau", "premier"));
-    EXPECT_TRUE(signIn(*s, "nouveau", "second"));
+    EXPECT_THROW(changePassword(s->store(), "personne", "x-long-enough"), Refusal);
+    // Seven characters are too few, eight are enough.
+    EXPECT_THROW(addUser(s->store(), "nouveau", "LR11", "", "1234567"), Refusal);
+    addUser(s->store(), "nouveau", "LR11", "n@x.example", "premier1");
+    EXPECT_THROW(changePassword(s->store(), "nouveau", "court"), Refusal);
+    changePassword(s->store(), "nouveau", "second-2");
+    EXPECT_FALSE(signIn(*s, "nouveau", "premier1"));
+    EXPECT_TRUE(signIn(*s, "nouveau", "second-2"));
+}
+
+TEST(SignIn, AnEmptyStoredPasswordNeverOpens) {
+    test::TestInstall inst;
+    auto s = inst.start();
+    // Rows typed by hand, one with NULL and one with an empty password.
+    s->store().insert("strparam", {{"par_login", "vide"}, {"par_pwd", ""}, {"par_region", "LR11"}});
+    s->store().insert("strparam",
+                      {{"par_login", "nul"}, {"par_pwd", QVariant()}, {"par_region", "LR11"}});
+    for (const char* login : {"vide", "nul"}) {
+        for (const char* typed : {"", "quelconque"}) {
+            try {
+                signIn(*s, login, typed);
+                ADD_FAILURE() << login << " opened with \"" << typed << "\"";
+            } catch (const Refusal& r) {
+                EXPECT_EQ(r.message(), kNoPasswordSet);
+            }
+        }
+    }
+    EXPECT_FALSE(s->signedIn());
 }

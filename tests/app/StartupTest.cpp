@@ -71,6 +71,12 @@ TEST(Startup, BadPathFilesAndEmptySettingsAreClearMessages) {
     m = refusalOf(inst.home());
     EXPECT_TRUE(m.contains("n'existe pas") && m.contains("chemin_base.txt")) << m.toStdString();
 
+    // A garbage line is echoed, not in full.
+    writeFile(base, QByteArray(100000, 'x'));
+    m = refusalOf(inst.home());
+    EXPECT_TRUE(m.contains("n'existe pas")) << m.left(300).toStdString();
+    EXPECT_LT(m.size(), 600);
+
     writeFile(base, "donnees\\\r\n");
     QFile::remove(invoices);
     m = refusalOf(inst.home());

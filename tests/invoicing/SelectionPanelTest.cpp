@@ -42,10 +42,11 @@ void competition(store::Store& s, const QString& index, const QString& season, c
 // The indexes a condition keeps, in its order.
 QString kept(store::Store& s, const SelectionCondition& c) {
     store::Params p{QStringLiteral("F")};
-    for (const auto& v : c.params) p.push_back(v);
+    for (const auto& v : c.competitions.params()) p.push_back(v);
     QStringList out;
     for (const auto& r :
-         s.select("SELECT c_index FROM strcompetition WHERE c_facture = ? AND " + c.where +
+         s.select("SELECT c_index FROM strcompetition WHERE c_facture = ?" +
+                      c.competitions.after(" AND ") +
                       (c.orderBy.isEmpty() ? " ORDER BY c_index" : c.orderBy),
                   p))
         out << r.value(0).toString();
@@ -120,7 +121,7 @@ TEST(SelectionFilter, MonthInvoiceNumberSeasonsAndModes) {
     SelectionState st;
     st.season = "2027";
     EXPECT_EQ(buildSelectionCondition(st).monthKey, "000000");
-    EXPECT_TRUE(buildSelectionCondition(st).lineWhere.isEmpty());
+    EXPECT_TRUE(buildSelectionCondition(st).lines.isEmpty());
     st.month = "11/26";
     EXPECT_EQ(buildSelectionCondition(st).monthKey, "202611");
     st.month = "03/2027";
@@ -128,9 +129,9 @@ TEST(SelectionFilter, MonthInvoiceNumberSeasonsAndModes) {
     const auto c = buildSelectionCondition(st);
     EXPECT_EQ(c.monthKey, "202703");
     EXPECT_EQ(c.invoiceNumber, "58");
-    EXPECT_EQ(c.lineWhere, "substr(f_tri_date, 1, 6) = ? AND f_num_facture = ?");
-    ASSERT_EQ(c.lineParams.size(), 2u);
-    EXPECT_EQ(c.lineParams[1].toString(), "00000058");
+    EXPECT_EQ(c.lines.sql(), "substr(f_tri_date, 1, 6) = ? AND f_num_facture = ?");
+    ASSERT_EQ(c.lines.params().size(), 2u);
+    EXPECT_EQ(c.lines.params()[1].toString(), "00000058");
     st.month = "13/2026";
     EXPECT_THROW(buildSelectionCondition(st), Refusal);
 
@@ -154,7 +155,8 @@ TEST(SelectionPanel, FilledFromTheStoreAndTurnedIntoACondition) {
     application();
     test::TestInstall inst;
     auto session = inst.start();
-    SelectionPanel panel;
+    app::ScriptedDialogs dialogs;
+    SelectionPanel panel(dialogs);
     panel.load(session->store(), "LIC", inst.today());
     auto combo = [&](int i) {
         return panel.findChild<QComboBox*>(QStringLiteral("Combo%1").arg(i));
@@ -186,12 +188,12 @@ TEST(SelectionPanel, FilledFromTheStoreAndTurnedIntoACondition) {
     panel.findChild<QLineEdit*>("mskmois")->setText("1126");
     panel.sortBy("c_intitule");
     const SelectionCondition c = panel.condition();
-    EXPECT_EQ(c.where,
+    EXPECT_EQ(c.competitions.sql(),
               "c_saison = ? AND upper(trim(c_nature)) = upper(?) AND "
               "upper(trim(c_organisateur)) = upper(?)");
-    EXPECT_EQ(c.params.size(), 3u);
-    EXPECT_EQ(c.params[1].toString(), "LIC");
-    EXPECT_EQ(c.params[2].toString(), "LR06");
+    EXPECT_EQ(c.competitions.params().size(), 3u);
+    EXPECT_EQ(c.competitions.params()[1].toString(), "LIC");
+    EXPECT_EQ(c.competitions.params()[2].toString(), "LR06");
     EXPECT_EQ(c.monthKey, "202611");
     EXPECT_EQ(c.orderBy, " ORDER BY c_intitule ASC");
     panel.sortBy("c_intitule");

@@ -62,13 +62,13 @@ TEST(ReferenceVisibility, EachKindOfUserSeesItsOwnParties) {
               (QStringList{"BOW0131", "BOW0832"}));
 
     // The filter takes the caller's column names and binds the user's values.
-    const SqlFilter f = visibilityFilter(kLeagueD1, {"c_lr", "c_district", "c_dept"});
-    EXPECT_EQ(f.whereClause(), " where c_lr = ? and c_district = ?");
-    EXPECT_EQ(f.params, (store::Params{"LR06", "D1"}));
-    EXPECT_EQ(visibilityFilter(kCommittee, {"c_lr", "c_district", "c_dept"}).params,
+    const store::Condition f = visibilityFilter(kLeagueD1, {"c_lr", "c_district", "c_dept"});
+    EXPECT_EQ(f.where(), " WHERE c_lr = ? AND c_district = ?");
+    EXPECT_EQ(f.params(), (store::Params{"LR06", "D1"}));
+    EXPECT_EQ(visibilityFilter(kCommittee, {"c_lr", "c_district", "c_dept"}).params(),
               (store::Params{"013"}));
     EXPECT_TRUE(
-        visibilityFilter(kNational, {"c_lr", "c_district", "c_dept"}).whereClause().isEmpty());
+        visibilityFilter(kNational, {"c_lr", "c_district", "c_dept"}).isEmpty());
     // A quote in a login or league is only a value: it finds nothing and breaks nothing.
     EXPECT_TRUE(committees::list(s, Viewer{"x", "LR06' or '1'='1", "D1"}).empty());
 }

@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <functional>
 #include <QTemporaryDir>
 
 #include "store/Refusal.h"
@@ -10,7 +14,7 @@ using namespace orve;
 using namespace orve::store;
 
 namespace {
-std::unique_ptr<Store> freshStore(QTemporaryDir& dir) { return Store::open(dir.path()); }
+std::unique_ptr<Store> freshStore(QTemporaryDir& dir) { return Store::create(dir.path()); }
 }  // namespace
 
 TEST(Store, CreatesFiveFilesWithTheirTablesAndJoinsThem) {
@@ -102,4 +106,139 @@ TEST(Store, MissingFolderIsAClearMessage) {
     } catch (const StoreError& e) {
         EXPECT_TRUE(e.message().contains("n'existe pas")) << e.message().toStdString();
     }
+}
+
+namespace {
+QString errorOf(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const StoreError& e) {
+        return e.message();
+    }
+    return {};
+}
+}  // namespace
+
+TEST(Store, AStepThatFailsIsAnErrorNotTheLastRow) {
+    QTemporaryDir dir;
+    auto s = freshStore(dir);
+    // Rows 1 and 2 come back, row 3 overflows while it is being read.
+    const QString sql =
+        "SELECT CASE WHEN t = 3 THEN abs(-9223372036854775807 - 1) ELSE t END FROM "
+        "(SELECT 1 AS t UNION ALL SELECT 2 UNION ALL SELECT 3) AS steps";
+    EXPECT_THROW(s->select(sql), StoreError);
+    EXPECT_THROW(s->exists("SELECT abs(-9223372036854775807 - 1)"), StoreError);
+
+    // A damaged page of bow_tiers.db: the listing names that file and says why.
+    for (int i = 0; i < 400; ++i)
+        s->insert("strclub", {{"club_code", QString("CL%1").arg(i, 5, 10, QChar('0'))},
+                              {"club_nom", QString(200, QChar('a' + i % 26))}});
+    const QString tiers = s->path(File::Tiers);
+    s.reset();  // the last connection folds the journal back into the file
+    {
+        QFile f(tiers);
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+        const qint64 pages = f.size() / 4096;
+        ASSERT_GT(pages, 10);
+        for (qint64 page = pages / 2; page < pages - 1; ++page) {
+            f.seek(page * 4096);
+            f.write(QByteArray(4096, '\x5a'));
+        }
+    }
+    s = Store::open(dir.path());
+    const QString message = errorOf([&] { s->select("SELECT * FROM strclub ORDER BY club_nom"); });
+    EXPECT_TRUE(message.contains("bow_tiers.db")) << message.toStdString();
+    EXPECT_TRUE(message.contains("strclub")) << message.toStdString();
+    EXPECT_TRUE(message.contains("endommagé")) << message.toStdString();
+}
+
+TEST(Store, ACommitThatFailsLeavesNothingAndTheStoreUsable) {
+    QTemporaryDir dir;
+    auto s = freshStore(dir);
+    // A check the engine makes only at COMMIT: a deferred foreign key.
+    s->exec("PRAGMA foreign_keys = ON");
+    s->exec("CREATE TABLE tri.parent (id INTEGER PRIMARY KEY)");
+    s->exec("CREATE TABLE tri.child (pid INTEGER REFERENCES parent(id) "
+            "DEFERRABLE INITIALLY DEFERRED)");
+    {
+        Transaction tx(*s);
+        s->insert("strtypec", {{"t_code", "FD"}});
+        s->insert("tri.child", {{"pid", 42}});
+        EXPECT_THROW(tx.commit(), StoreError);
+    }
+    EXPECT_EQ(s->scalar("SELECT count(*) FROM strtypec").toInt(), 0);
+    // The engine is out of the transaction too: the next operation works.
+    {
+        Transaction tx(*s);
+        s->insert("strtypec", {{"t_code", "PR"}});
+        tx.commit();
+    }
+    EXPECT_EQ(s->scalar("SELECT group_concat(t_code) FROM strtypec").toString(), "PR");
+}
+
+TEST(Store, AFileLockedByAnotherWorkstationIsNamedAndReleased) {
+    QTemporaryDir dir;
+    auto s = freshStore(dir);
+    const QString other = "other-workstation";
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", other);
+        db.setDatabaseName(s->path(File::Facture));
+        ASSERT_TRUE(db.open());
+        QSqlQuery q(db);
+        ASSERT_TRUE(q.exec("BEGIN IMMEDIATE"));
+        // Held past the busy timeout.
+        const QString message = errorOf([&] {
+            Transaction tx(*s);
+            s->insert("strentete", {{"ent_fact_no", "1"}});
+            tx.commit();
+        });
+        EXPECT_TRUE(message.contains("bow_facture.db")) << message.toStdString();
+        EXPECT_FALSE(message.contains("bow_jkv.db")) << message.toStdString();
+        EXPECT_TRUE(message.contains("la base est utilisée par un autre poste (réessayez dans un "
+                                     "instant)"))
+            << message.toStdString();
+        q.exec("ROLLBACK");
+        q.finish();
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(other);
+    Transaction tx(*s);
+    s->insert("strentete", {{"ent_fact_no", "1"}});
+    tx.commit();
+    EXPECT_EQ(s->scalar("SELECT count(*) FROM strentete").toInt(), 1);
+}
+
+TEST(Store, SharedFilesAreNeverMadeAgainAtOpen) {
+    QTemporaryDir dir;
+    freshStore(dir).reset();
+    // The scratch file may come back empty; a shared one may not.
+    QFile::remove(QDir(dir.path()).filePath("bow_tri.db"));
+    EXPECT_NO_THROW(Store::open(dir.path()));
+    const QString facture = QDir(dir.path()).filePath("bow_facture.db");
+    QFile::remove(facture);
+    QFile::remove(facture + "-wal");
+    QFile::remove(facture + "-shm");
+    const QString expected = QString(
+        "Le fichier de données bow_facture.db est introuvable (ou vide) dans %1. Restaurez-le "
+        "depuis une sauvegarde.")
+                                 .arg(QDir::toNativeSeparators(dir.path()));
+    EXPECT_EQ(errorOf([&] { Store::open(dir.path()); }), expected);
+    EXPECT_FALSE(QFile::exists(facture));
+    QFile empty(facture);
+    ASSERT_TRUE(empty.open(QIODevice::WriteOnly));
+    empty.close();
+    EXPECT_EQ(errorOf([&] { Store::open(dir.path()); }), expected);
+
+    // A garbage file is named as itself, with a cause the operator understands.
+    QTemporaryDir other;
+    freshStore(other).reset();
+    QFile tiers(QDir(other.path()).filePath("bow_tiers.db"));
+    ASSERT_TRUE(tiers.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    tiers.write(QByteArray("ceci n'est pas une base\n").repeated(500));
+    tiers.close();
+    const QString message = errorOf([&] { Store::open(other.path()); });
+    EXPECT_TRUE(message.contains("bow_tiers.db")) << message.toStdString();
+    EXPECT_FALSE(message.contains("bow_jkv.db")) << message.toStdString();
+    EXPECT_TRUE(message.contains("ce fichier n'est pas une base ORVE ou il est endommagé"))
+        << message.toStdString();
 }

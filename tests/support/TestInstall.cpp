@@ -2,24 +2,25 @@
 
 #include <QProcess>
 
-#include "app/DemoData.h"
 #include "app/InstallationSetup.h"
 #include "app/SignIn.h"
 #include "app/Startup.h"
+#include "shell/Composition.h"
+#include "shell/DemoData.h"
 
 namespace orve::test {
 
 TestInstall::TestInstall(Kind kind, const QDate& today) : m_today(today) {
     m_home = m_dir.path() + QStringLiteral("/inst");
     if (kind == Kind::Demo) {
-        app::createDemoInstallation(m_home, today);
+        shell::createDemoInstallation(m_home, today);
     } else {
         app::createInstallation(m_home, {"TST", "Installation de test", "D1"}, today);
     }
 }
 
 std::unique_ptr<app::Session> TestInstall::start() const {
-    return app::startSession(m_home, Clock::fixed(m_today));
+    return shell::openSession(m_home, Clock::fixed(m_today));
 }
 
 std::unique_ptr<app::Session> TestInstall::startAs(const QString& login) const {

@@ -199,11 +199,11 @@ void ORVE_menu::runEntry(const QString& name) {
 
 void ORVE_menu::openScreen(const QString& name, const QString& mode) {
     guarded(m_dialogs, [&] {
-        // The mode is set just before the window reads it at its load.
-        if (!mode.isEmpty()) m_session.setScreenMode(mode);
-        QPointer<QWidget>& open = m_open[name];
+        // One window per name and mode: "Facturation Divers" and "facturation
+        // Licences" are two windows of the same kind, open side by side.
+        QPointer<QWidget>& open = m_open[{name, mode}];
         if (!open) {
-            open = m_catalog.create(name, m_session, m_dialogs, this);
+            open = m_catalog.create(name, m_session, m_dialogs, mode, this);
             if (!open) return;
             open->setWindowFlag(Qt::Window, true);
             open->setAttribute(Qt::WA_DeleteOnClose, true);

@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <map>
+#include <utility>
 
 #include "app/Dialogs.h"
 #include "app/Session.h"
@@ -41,7 +42,7 @@ class ORVE_menu : public QMainWindow {
     Dialogs& m_dialogs;
     const ScreenCatalog& m_catalog;
     std::map<QString, QAction*> m_actions;  // every entry, by name
-    std::map<QString, QPointer<QWidget>> m_open;
+    std::map<std::pair<QString, QString>, QPointer<QWidget>> m_open;  // by name and mode
     QGroupBox* m_frame1 = nullptr;
     QGroupBox* m_frame5 = nullptr;
     QLineEdit* m_login = nullptr;

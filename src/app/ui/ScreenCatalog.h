@@ -14,18 +14,19 @@ namespace orve::app {
 // not in the catalog stays greyed.
 class ScreenCatalog {
   public:
-    using Factory = std::function<QWidget*(Session&, Dialogs&, QWidget* parent)>;
+    // The mode (LIC, DIV, a statistics mode "1".."4", or empty) is what the
+    // menu entry asks of the window; the window keeps it for its whole life.
+    using Factory =
+        std::function<QWidget*(Session&, Dialogs&, const QString& mode, QWidget* parent)>;
     void add(const QString& name, Factory factory) { m_factories[name] = std::move(factory); }
     bool has(const QString& name) const { return m_factories.count(name) > 0; }
-    QWidget* create(const QString& name, Session& s, Dialogs& d, QWidget* parent) const {
-        return m_factories.at(name)(s, d, parent);
+    QWidget* create(const QString& name, Session& s, Dialogs& d, const QString& mode,
+                    QWidget* parent) const {
+        return m_factories.at(name)(s, d, mode, parent);
     }
 
   private:
     std::map<QString, Factory> m_factories;
 };
-
-// Every subsystem adds its windows here.
-void registerAllScreens(ScreenCatalog& catalog);
 
 }  // namespace orve::app

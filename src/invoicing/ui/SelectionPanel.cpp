@@ -6,6 +6,8 @@
 #include <QLineEdit>
 #include <QRadioButton>
 
+#include "app/ui/ScreenSupport.h"
+
 namespace orve::invoicing {
 
 namespace {
@@ -19,7 +21,8 @@ void fill(QComboBox* combo, const QStringList& items, const QString& current = Q
 
 }  // namespace
 
-SelectionPanel::SelectionPanel(QWidget* parent) : QWidget(parent) {
+SelectionPanel::SelectionPanel(app::Dialogs& dialogs, QWidget* parent)
+    : QWidget(parent), m_dialogs(dialogs) {
     auto* grid = new QGridLayout(this);
     for (int i = 0; i < 10; ++i) {
         m_combos[i] = new QComboBox(this);
@@ -124,11 +127,9 @@ void SelectionPanel::changed() {
 void SelectionPanel::leagueChanged() {
     if (m_filling || !m_store) return;
     m_filling = true;
-    try {
-        fill(m_combos[4], loadDepartments(*m_store, m_combos[3]->currentText()));
-    } catch (const std::exception&) {
-        // The list stays as it was; the next listing reports the store's trouble.
-    }
+    // The department list stays as it was, and the operator learns why.
+    app::guarded(m_dialogs,
+                 [&] { fill(m_combos[4], loadDepartments(*m_store, m_combos[3]->currentText())); });
     m_filling = false;
 }
 

@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <array>
 
+#include "app/Dialogs.h"
 #include "invoicing/SelectionFilter.h"
 
 class QComboBox;
@@ -19,7 +20,7 @@ namespace orve::invoicing {
 class SelectionPanel : public QWidget {
     Q_OBJECT
   public:
-    explicit SelectionPanel(QWidget* parent = nullptr);
+    explicit SelectionPanel(app::Dialogs& dialogs, QWidget* parent = nullptr);
 
     // Fills every list for a screen mode ("LIC", "DIV", "COMPET", ...) and
     // puts the controls back to their starting values. Throws StoreError.
@@ -40,6 +41,7 @@ class SelectionPanel : public QWidget {
     void changed();
     void leagueChanged();
 
+    app::Dialogs& m_dialogs;
     const store::Store* m_store = nullptr;
     std::array<QComboBox*, 10> m_combos{};  // Combo1..Combo10
     QLineEdit* m_name = nullptr;            // txtnom_organisateur

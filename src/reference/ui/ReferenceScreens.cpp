@@ -1,3 +1,5 @@
+#include "reference/ui/ReferenceScreens.h"
+
 #include "app/ui/ScreenCatalog.h"
 #include "reference/ui/ORVE_ges_article.h"
 #include "reference/ui/ORVE_ges_naturec.h"
@@ -10,7 +12,8 @@ namespace orve::reference {
 
 template <typename Screen>
 static app::ScreenCatalog::Factory factory() {
-    return [](app::Session& s, app::Dialogs& d, QWidget* parent) -> QWidget* {
+    // Reference windows have a single mode.
+    return [](app::Session& s, app::Dialogs& d, const QString&, QWidget* parent) -> QWidget* {
         return new Screen(s, d, parent);
     };
 }

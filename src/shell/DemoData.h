@@ -4,7 +4,7 @@
 #include <QString>
 #include <vector>
 
-namespace orve::app {
+namespace orve::shell {
 
 struct DemoUser {
     QString login;
@@ -23,4 +23,4 @@ const std::vector<DemoUser>& demoUsers();
 // The names and addresses are invented.
 void createDemoInstallation(const QString& dir, const QDate& today);
 
-}  // namespace orve::app
+}  // namespace orve::shell

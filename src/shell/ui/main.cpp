@@ -3,8 +3,14 @@
 #include <QTextStream>
 #include <cstdio>
 #include <memory>
+#if defined(Q_OS_UNIX)
+#include <sys/stat.h>
+#endif
 
 #include "app/Startup.h"
+#include "shell/Composition.h"
+#include "shell/QtMessages.h"
+#include "shell/ui/Screens.h"
 #include "app/ui/ORVE_menu.h"
 #include "app/ui/OrveApplication.h"
 #include "app/ui/QtDialogs.h"
@@ -30,25 +36,18 @@ bool displayMissing() {
 #endif
 }
 
-// The offscreen platform of scenario runs complains about window hints it
-// cannot honour; that noise would bury a scenario's own report.
-void quietOffscreen(QtMsgType type, const QMessageLogContext&, const QString& message) {
-    if (message.contains(QStringLiteral("propagateSizeHints")) ||
-        message.startsWith(QStringLiteral("QStandardPaths:")))
-        return;
-    std::fprintf(stderr, "%s\n", qPrintable(message));
-    if (type == QtFatalMsg) std::abort();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
+#if defined(Q_OS_UNIX)
+    // Data files, backups and documents hold addresses and amounts: owner only.
+    ::umask(077);
+#endif
     using namespace orve::app;
     const QString scenario = optionValue(argc, argv, "--scenario");
     const QString home = optionValue(argc, argv, "--home");
     if (!scenario.isEmpty()) {
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-        qInstallMessageHandler(quietOffscreen);
     } else if (displayMissing()) {
         std::fprintf(stderr,
                      "ORVE a besoin d'un écran : aucun affichage graphique n'est disponible "
@@ -56,10 +55,11 @@ int main(int argc, char** argv) {
                      "DOSSIER ».\n");
         return 1;
     }
+    orve::shell::quietQtMessages();
     OrveApplication app(argc, argv);
     app.setApplicationName(QStringLiteral("ORVE"));
     ScreenCatalog catalog;
-    registerAllScreens(catalog);
+    orve::shell::registerScreens(catalog);
     const QString programFolder =
         resolveProgramFolder(home, QCoreApplication::applicationDirPath());
     const orve::Clock clock = orve::Clock::fromEnvironment();
@@ -76,7 +76,7 @@ int main(int argc, char** argv) {
         std::unique_ptr<Session> session;
         std::unique_ptr<ORVE_menu> menu;
         try {
-            session = startSession(programFolder, clock);
+            session = orve::shell::openSession(programFolder, clock);
             menu = std::make_unique<ORVE_menu>(*session, dialogs, catalog);
             menu->show();
         } catch (const std::exception& e) {
@@ -97,7 +97,7 @@ int main(int argc, char** argv) {
     app.setDialogs(&dialogs);
     std::unique_ptr<Session> session;
     try {
-        session = startSession(programFolder, clock);
+        session = orve::shell::openSession(programFolder, clock);
     } catch (const std::exception& e) {
         dialogs.inform(orve::describeError(e));
         return 1;

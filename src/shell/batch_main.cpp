@@ -8,8 +8,14 @@
 #endif
 
 #include "app/BatchCommands.h"
+#include "shell/Composition.h"
+#include "shell/QtMessages.h"
 
 int main(int argc, char** argv) {
+#if defined(Q_OS_UNIX)
+    // Data files, backups and documents hold addresses and amounts: owner only.
+    ::umask(077);
+#endif
     // Documents are drawn with fonts, which need a GUI application; a shell
     // without a display draws them offscreen.
 #if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
@@ -24,10 +30,14 @@ int main(int argc, char** argv) {
         qputenv("XDG_RUNTIME_DIR", runtime);
     }
 #endif
+    orve::shell::quietQtMessages();
     QGuiApplication app(argc, argv);
     QTextStream out(stdout);
     QTextStream err(stderr);
     QStringList args = app.arguments();
     args.removeFirst();
-    return orve::app::runBatch(args, QCoreApplication::applicationDirPath(), out, err);
+    orve::app::BatchRegistry registry;
+    orve::shell::registerBatchCommands(registry);
+    return orve::app::runBatch(registry, orve::shell::openSession, args,
+                               QCoreApplication::applicationDirPath(), out, err);
 }

@@ -1,17 +1,19 @@
-#include "app/DemoData.h"
+#include "shell/DemoData.h"
 
 #include <QDir>
 #include <QSettings>
 
 #include "app/InstallationSetup.h"
-#include "app/SignIn.h"
-#include "app/Startup.h"
+#include "competitions/PseudoCompetitions.h"
 #include "app/Users.h"
 #include "invoicing/DemoInvoices.h"
 #include "store/Formats.h"
 #include "store/Store.h"
 
-namespace orve::app {
+namespace orve::shell {
+
+using app::addUser;
+using app::createInstallation;
 
 const std::vector<DemoUser>& demoUsers() {
     static const std::vector<DemoUser> users{
@@ -457,7 +459,7 @@ void createDemoInstallation(const QString& dir, const QDate& today) {
         store::Transaction tx(*store);
         fillReference(*store, todayText, season);
         fillArticlesAndNatures(*store, season);
-        ensurePseudoCompetitions(*store, today);
+        competitions::ensurePseudoCompetitions(*store, today);
         invoicing::createDemoInvoices(*store, today);
         tx.commit();
     }
@@ -467,4 +469,4 @@ void createDemoInstallation(const QString& dir, const QDate& today) {
     }
 }
 
-}  // namespace orve::app
+}  // namespace orve::shell
