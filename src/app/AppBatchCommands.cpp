@@ -12,11 +12,24 @@ namespace orve::app {
 namespace {
 
 int init(BatchContext& c) {
-    const QString usage = QStringLiteral("init DIR --code C --name N --district D");
+    const QString usage =
+        QStringLiteral("init DIR --code C --name N --district D [--base postgresql://...]");
     const QString dir = requiredArgument(c.positional(), 0, usage);
     createInstallation(dir, {c.option("--code"), c.option("--name"), c.option("--district")},
-                       c.clock().today());
+                       c.clock().today(), c.option("--base"));
     c.out() << "installation créée dans " << QDir(dir).absolutePath() << "\n";
+    return 0;
+}
+
+int migrate(BatchContext& c) {
+    const QString usage = QStringLiteral("migrate DIR --vers postgresql://...|DOSSIER");
+    const QString dir = requiredArgument(c.positional(), 0, usage);
+    const QString target = c.option("--vers");
+    if (target.isEmpty())
+        throw Refusal(QStringLiteral("Argument manquant. Usage : orve-batch %1").arg(usage));
+    const Migration m = migrateInstallation(dir, target);
+    c.out() << m.tables << " tables, " << m.rows << " lignes copiées et vérifiées\n"
+            << "chemin_base.txt désigne maintenant " << m.target << "\n";
     return 0;
 }
 
@@ -62,7 +75,7 @@ int signin(BatchContext& c) {
 
 int backup(BatchContext& c) {
     const QString dest = requiredArgument(c.positional(), 0, QStringLiteral("backup DEST"));
-    const QStringList copied = backupDataFolder(c.session().dataFolder(), dest);
+    const QStringList copied = backupStore(c.session().store(), dest);
     for (const QString& name : copied)
         c.out() << "copié " << name << " vers " << QDir::toNativeSeparators(dest) << "\n";
     c.out() << kBackupDone << "\n";
@@ -72,7 +85,8 @@ int backup(BatchContext& c) {
 }  // namespace
 
 void registerAppBatchCommands(BatchRegistry& r) {
-    r.add({"init", "init DIR --code C --name N --district D", init});
+    r.add({"init", "init DIR --code C --name N --district D [--base postgresql://...]", init});
+    r.add({"migrate", "migrate DIR --vers postgresql://...|DOSSIER", migrate});
     r.add({"user",
            "user add LOGIN --league CODE [--mail ADDR] | user passwd LOGIN (mot de passe "
            "sur l'entrée standard)",

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "store/Store.h"
+
 namespace orve::app {
 
 inline const QString kBackupNoLetter = QStringLiteral("Aucune lettre");
@@ -12,10 +14,10 @@ inline const QString kBackupDone = QStringLiteral("sauvegarde terminée");
 // Where a drive letter typed by the operator leads: the root of that drive.
 QString driveRoot(const QString& letter);
 
-// Copies every bow_*.db of the data folder into destination with SQLite's
-// online backup, so the copy is consistent even while screens hold the files.
-// Each copy is written beside its final name and moved over it at the end, so
-// an older backup is never half overwritten. Returns the names copied.
-QStringList backupDataFolder(const QString& dataFolder, const QString& destination);
+// Writes the five data files (SQLite, whatever the installation runs on) into
+// destination, consistent as of one moment even while screens or other
+// workstations write; an older backup is never half overwritten. Returns the
+// names written.
+QStringList backupStore(const store::Store& store, const QString& destination);
 
 }  // namespace orve::app

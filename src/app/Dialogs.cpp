@@ -35,6 +35,8 @@ QString ScriptedDialogs::chooseSaveFile(const QString& title, const QString&, co
     return takeChoice(title);
 }
 
+QString ScriptedDialogs::askPassword(const QString& question) { return takeChoice(question); }
+
 QString ScriptedDialogs::takeShown() {
     if (m_shown.empty()) return {};
     const QString t = m_shown.front();

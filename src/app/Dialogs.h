@@ -19,6 +19,8 @@ class Dialogs {
                                    const QString& filter) = 0;
     virtual QString chooseSaveFile(const QString& title, const QString& start,
                                    const QString& filter) = 0;
+    // A password typed without being shown; empty when the operator cancels.
+    virtual QString askPassword(const QString& question) = 0;
 };
 
 // Records what is shown and answers from queues; a question or a file choice
@@ -32,6 +34,8 @@ class ScriptedDialogs : public Dialogs {
                            const QString& filter) override;
     QString chooseSaveFile(const QString& title, const QString& start,
                            const QString& filter) override;
+    // Answered from the same queue as file choices.
+    QString askPassword(const QString& question) override;
 
     void queueAnswer(bool yes) { m_answers.push_back(yes); }
     void queueChoice(const QString& path) { m_choices.push_back(path); }

@@ -51,24 +51,34 @@ QString readPathFile(const QString& programFolder, const QString& fileName) {
     return line;
 }
 
-std::unique_ptr<Session> startSession(const QString& programFolder, const Clock& clock) {
-    const QString dataFolder =
-        resolveFolder(programFolder, readPathFile(programFolder, kBasePathFile));
+store::StoreAddress readStoreAddress(const QString& programFolder) {
+    const QString written = readPathFile(programFolder, kBasePathFile);
+    if (store::StoreAddress::isServerAddress(written)) return store::StoreAddress::parse(written);
+    return store::StoreAddress::ofFolder(resolveFolder(programFolder, written));
+}
+
+std::unique_ptr<Session> startSession(const QString& programFolder, const Clock& clock,
+                                      const store::PasswordPrompt& askPassword) {
+    const store::StoreAddress address = readStoreAddress(programFolder);
     const QString invoiceFolder =
         resolveFolder(programFolder, readPathFile(programFolder, kInvoicePathFile));
+    // A shared store keeps this workstation's scratch file in the program folder.
+    const QString dataFolder = address.shared() ? programFolder : address.folder;
     if (!QFileInfo(dataFolder).isDir()) {
         throw Refusal(QStringLiteral("Le dossier des données « %1 », indiqué par %2, n'existe pas. "
                                      "Corrigez %2 ou créez ce dossier.")
                           .arg(format::echoed(QDir::toNativeSeparators(dataFolder)), kBasePathFile));
     }
-    auto store = store::Store::open(dataFolder);
+    auto store = store::Store::open(address, dataFolder, askPassword);
     const auto row = store->selectOne(
         QStringLiteral("SELECT spe_cod, spe_nom, spe_district, spe_debut_exe_tri, spe_fin_exe_tri "
                        "FROM strspecif LIMIT 1"));
     if (!row) {
         throw Refusal(QStringLiteral("La table strspecif de %1 est vide : l'installation n'a pas "
                                      "de paramètres. Créez-les avec « orve-batch init ».")
-                          .arg(QDir::toNativeSeparators(store->path(store::File::Jkv))));
+                          .arg(store->address().shared()
+                                   ? store->address().display()
+                                   : QDir::toNativeSeparators(store->path(store::File::Jkv))));
     }
     Installation inst{row->value(0).toString(), row->value(1).toString(), row->value(2).toString(),
                       row->value(3).toString(), row->value(4).toString()};
@@ -77,5 +87,9 @@ std::unique_ptr<Session> startSession(const QString& programFolder, const Clock&
 }
 
 QString windowTitle(const Installation& installation) { return kTitlePrefix + installation.name; }
+
+QString storeCaption(const store::StoreAddress& address) {
+    return address.shared() ? QStringLiteral("Base partagée : ") + address.display() : QString();
+}
 
 }  // namespace orve::app

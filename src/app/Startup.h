@@ -23,9 +23,16 @@ QString resolveFolder(const QString& programFolder, const QString& written);
 // when it is missing, unreadable or empty.
 QString readPathFile(const QString& programFolder, const QString& fileName);
 
-// The whole start-up: path files, data store, installation record.
-std::unique_ptr<Session> startSession(const QString& programFolder, const Clock& clock);
+// What chemin_base.txt names: a data folder, or a PostgreSQL database.
+store::StoreAddress readStoreAddress(const QString& programFolder);
+
+// The whole start-up: path files, data store, installation record. The
+// prompt is asked for a server password no password file holds.
+std::unique_ptr<Session> startSession(const QString& programFolder, const Clock& clock,
+                                      const store::PasswordPrompt& askPassword = {});
 
 QString windowTitle(const Installation& installation);
+// "Base partagée : HOST/DATABASE" for a shared store; empty for a data folder.
+QString storeCaption(const store::StoreAddress& address);
 
 }  // namespace orve::app

@@ -132,6 +132,8 @@ QDate validateHeader(const InvoiceHeader& header) {
 QString createInvoice(Store& store, const InvoiceHeader& header, const QDate& /*today*/) {
     const QDate date = validateHeader(header);
     Transaction tx(store);
+    // Invoices and credit notes share one series: French law wants it unbroken.
+    store.lockSeries(kInvoiceSeries);
     const QString number = nextInvoiceNumber(store);
     Fields fields{{"ent_fact_no", number}};
     for (auto& f : headerFields(header, date)) fields.push_back(std::move(f));

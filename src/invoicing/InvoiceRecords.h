@@ -21,6 +21,9 @@ inline const QString kUndefinedText = QStringLiteral("à définir");
 // Line number given to copied lines until they are renumbered.
 inline const QString kCopyLineNumber = QStringLiteral("99");
 
+// The numbering series every invoice and credit note takes its number from.
+inline const QString kInvoiceSeries = QStringLiteral("strentete.ent_fact_no");
+
 inline const QString kInvoiceType = QStringLiteral("F");
 inline const QString kCreditNoteType = QStringLiteral("A");
 

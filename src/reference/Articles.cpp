@@ -5,9 +5,11 @@
 
 namespace orve::reference::articles {
 
-store::Rows list(store::Store& store) {
-    return store.select(QStringLiteral("select * from strarticle order by a_index"));
+store::Query listing() {
+    return {QStringLiteral("select * from strarticle"), {}, QStringLiteral("a_index")};
 }
+
+store::Rows list(store::Store& store) { return store.select(listing()); }
 
 std::optional<store::Row> find(store::Store& store, const QString& code) {
     return store.selectOne(QStringLiteral("select * from strarticle where a_index = ?"), {code});
@@ -81,11 +83,14 @@ void save(store::Store& store, const QString& code, const ArticleEdit& edit) {
     tx.commit();
 }
 
+store::Query tariffListing(const QString& article, const QString& nature) {
+    return {QStringLiteral("select * from strtarifsaison"),
+            {QStringLiteral("t_article = ? and t_nature = ?"), {article, nature}},
+            QStringLiteral("t_saison")};
+}
+
 store::Rows tariffs(store::Store& store, const QString& article, const QString& nature) {
-    return store.select(
-        QStringLiteral(
-            "select * from strtarifsaison where t_article = ? and t_nature = ? order by t_saison"),
-        {article, nature});
+    return store.select(tariffListing(article, nature));
 }
 
 void saveTariff(store::Store& store, const TariffEdit& edit, bool adding) {

@@ -5,6 +5,7 @@
 
 #include "reference/ReferenceCodes.h"
 #include "reference/Visibility.h"
+#include "store/Condition.h"
 #include "store/Money.h"
 
 namespace orve::reference {
@@ -19,6 +20,7 @@ inline const QString kFirstReservedCode = QStringLiteral("99999990");
 inline constexpr int kFirstSeason = 2018;
 inline constexpr int kLastSeason = 2030;
 
+store::Query listing();
 store::Rows list(store::Store& store);
 std::optional<store::Row> find(store::Store& store, const QString& code);
 
@@ -51,6 +53,7 @@ QString add(store::Store& store, const ArticleEdit& edit);
 void save(store::Store& store, const QString& code, const ArticleEdit& edit);
 
 // Prices of an article for its nature, by season.
+store::Query tariffListing(const QString& article, const QString& nature);
 store::Rows tariffs(store::Store& store, const QString& article, const QString& nature);
 struct TariffEdit {
     QString article;

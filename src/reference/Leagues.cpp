@@ -13,9 +13,11 @@ const QStringList& cardColumns() {
     return columns;
 }
 
-store::Rows list(store::Store& store) {
-    return store.select(QStringLiteral("select * from strregion order by rowid"));
+store::Query listing() {
+    return {QStringLiteral("select * from strregion"), {}, QStringLiteral("rowid")};
 }
+
+store::Rows list(store::Store& store) { return store.select(listing()); }
 
 std::optional<store::Row> find(store::Store& store, const QString& code) {
     return store.selectOne(QStringLiteral("select * from strregion where re_code = ?"), {code});

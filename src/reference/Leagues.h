@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "reference/ReferenceCodes.h"
+#include "store/Condition.h"
 
 namespace orve::reference {
 
@@ -14,6 +15,7 @@ namespace leagues {
 const QStringList& cardColumns();
 
 // Every league, in the order the table holds them.
+store::Query listing();
 store::Rows list(store::Store& store);
 std::optional<store::Row> find(store::Store& store, const QString& code);
 // The league's name; empty when no league has that code.

@@ -10,9 +10,11 @@ const QString kNo = QStringLiteral("N");
 QString flag(bool b) { return b ? kYes : kNo; }
 }  // namespace
 
-store::Rows list(store::Store& store) {
-    return store.select(QStringLiteral("select * from strnaturec order by n_code"));
+store::Query listing() {
+    return {QStringLiteral("select * from strnaturec"), {}, QStringLiteral("n_code")};
 }
+
+store::Rows list(store::Store& store) { return store.select(listing()); }
 
 Nature fromRow(const store::Row& row) {
     // Only an explicit "E", "N" counts as such; anything else reads as the other choice.
@@ -42,7 +44,7 @@ int save(store::Store& store, const Nature& nature, bool adding) {
             QStringLiteral("La nature %1 n'existe plus : rien n'a été enregistré.").arg(code));
     }
     const int rewritten = store.exec(
-        QStringLiteral("update main.strcompetition set c_nat_fact = ?, c_fact_ligne = ?, "
+        QStringLiteral("update strcompetition set c_nat_fact = ?, c_fact_ligne = ?, "
                        "c_fact_engagement = ? where c_nature = ?"),
         {fact, flag(nature.invoiceLines), flag(nature.invoiceEntryFees), code});
     tx.commit();

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "store/Condition.h"
 #include "store/Store.h"
 
 namespace orve::reference {
@@ -9,6 +10,7 @@ namespace orve::reference {
 // Natures of competition and how competitions of each nature are invoiced.
 namespace natures {
 
+store::Query listing();
 store::Rows list(store::Store& store);
 
 struct Nature {

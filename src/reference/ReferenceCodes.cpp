@@ -35,10 +35,4 @@ QString formatNumber(const QString& text, int width) {
     return digits.size() >= width ? digits : QString(width - digits.size(), QChar('0')) + digits;
 }
 
-QString itemCode(const QString& itemText) {
-    if (itemText == kChoose) return {};
-    const int hash = itemText.indexOf(QChar('#'));
-    return (hash < 0 ? itemText : itemText.left(hash)).trimmed();
-}
-
 }  // namespace orve::reference

@@ -4,6 +4,7 @@
 #include <QString>
 #include <vector>
 
+#include "app/ListItems.h"
 #include "store/Store.h"
 
 namespace orve::reference {
@@ -22,16 +23,10 @@ QString formatNumber(const QString& text, int width);
 // Whether a trimmed text is made of digits only (and is not empty).
 bool isWholeNumber(const QString& text);
 
-// An item of a drop-down list: a key and its label joined by " # ".
-struct ListItem {
-    QString code;
-    QString label;
-    QString text() const { return code + QStringLiteral(" # ") + label; }
-};
-using ListItems = std::vector<ListItem>;
-// First item of every list in which nothing is chosen yet.
-inline const QString kChoose = QStringLiteral("Choisir");
-// The key part of an item: what comes before "#", trimmed; empty for "Choisir".
-QString itemCode(const QString& itemText);
+// Drop-down list items are the program's own, one level down.
+using app::itemCode;
+using app::kChoose;
+using app::ListItem;
+using app::ListItems;
 
 }  // namespace orve::reference

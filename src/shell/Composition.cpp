@@ -11,9 +11,11 @@ namespace orve::shell {
 
 namespace {
 
+const QString kInitDemoUsage = QStringLiteral("init-demo DIR [--base postgresql://...]");
+
 int initDemo(app::BatchContext& c) {
-    const QString dir = app::requiredArgument(c.positional(), 0, QStringLiteral("init-demo DIR"));
-    createDemoInstallation(dir, c.clock().today());
+    const QString dir = app::requiredArgument(c.positional(), 0, kInitDemoUsage);
+    createDemoInstallation(dir, c.clock().today(), c.option(QStringLiteral("--base")));
     c.out() << "installation de démonstration créée dans " << QDir(dir).absolutePath() << "\n";
     for (const auto& u : demoUsers())
         c.out() << "utilisateur " << u.login << " (" << u.role << ", ligue " << u.league
@@ -23,15 +25,16 @@ int initDemo(app::BatchContext& c) {
 
 }  // namespace
 
-std::unique_ptr<app::Session> openSession(const QString& programFolder, const Clock& clock) {
-    auto session = app::startSession(programFolder, clock);
+std::unique_ptr<app::Session> openSession(const QString& programFolder, const Clock& clock,
+                                          const store::PasswordPrompt& askPassword) {
+    auto session = app::startSession(programFolder, clock, askPassword);
     session->addSignInStep(competitions::ensurePseudoCompetitions);
     return session;
 }
 
 void registerBatchCommands(app::BatchRegistry& registry) {
     app::registerAppBatchCommands(registry);
-    registry.add({QStringLiteral("init-demo"), QStringLiteral("init-demo DIR"), initDemo});
+    registry.add({QStringLiteral("init-demo"), kInitDemoUsage, initDemo});
     invoicing::registerInvoicingBatchCommands(registry);
 }
 

@@ -13,7 +13,8 @@ namespace orve::shell {
 
 // Starts an installation as both programs do, with every subsystem's
 // sign-in steps in place.
-std::unique_ptr<app::Session> openSession(const QString& programFolder, const Clock& clock);
+std::unique_ptr<app::Session> openSession(const QString& programFolder, const Clock& clock,
+                                          const store::PasswordPrompt& askPassword = {});
 
 // Every orve-batch command, each subsystem adding its own.
 void registerBatchCommands(app::BatchRegistry& registry);

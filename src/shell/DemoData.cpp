@@ -4,6 +4,7 @@
 #include <QSettings>
 
 #include "app/InstallationSetup.h"
+#include "app/Startup.h"
 #include "competitions/PseudoCompetitions.h"
 #include "app/Users.h"
 #include "invoicing/DemoInvoices.h"
@@ -445,13 +446,14 @@ void writeSettings(const QString& dir) {
 
 }  // namespace
 
-void createDemoInstallation(const QString& dir, const QDate& today) {
+void createDemoInstallation(const QString& dir, const QDate& today, const QString& base) {
     createInstallation(dir,
                        {QStringLiteral("JKV"), QStringLiteral("Fédération KVARN (démonstration)"),
                         QStringLiteral("D1")},
-                       today);
+                       today, base);
     writeSettings(dir);
-    auto store = Store::open(QDir(dir).filePath(QStringLiteral("donnees")));
+    const auto address = app::readStoreAddress(dir);
+    auto store = Store::open(address, address.shared() ? QDir(dir).absolutePath() : address.folder);
     const QString todayText = format::displayDate(today);
     // The season in progress: a season s runs from September of s-1 to August of s.
     const int season = today.month() >= 9 ? today.year() + 1 : today.year();

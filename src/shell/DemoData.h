@@ -21,6 +21,7 @@ const std::vector<DemoUser>& demoUsers();
 // committees, centres, clubs, licensees, articles and tariffs, natures,
 // types, organisers, codification lists, mail texts and three operators.
 // The names and addresses are invented.
-void createDemoInstallation(const QString& dir, const QDate& today);
+// With `base`, the data go to that PostgreSQL database (empty) instead of dir/donnees.
+void createDemoInstallation(const QString& dir, const QDate& today, const QString& base = {});
 
 }  // namespace orve::shell

@@ -38,6 +38,10 @@ int main(int argc, char** argv) {
     args.removeFirst();
     orve::app::BatchRegistry registry;
     orve::shell::registerBatchCommands(registry);
-    return orve::app::runBatch(registry, orve::shell::openSession, args,
+    // A batch takes the server password from the password file or PGPASSWORD.
+    const auto open = [](const QString& folder, const orve::Clock& clock) {
+        return orve::shell::openSession(folder, clock);
+    };
+    return orve::app::runBatch(registry, open, args,
                                QCoreApplication::applicationDirPath(), out, err);
 }

@@ -60,6 +60,34 @@ QString tableOf(const QString& sql) {
                               describeEngineError(error)));
 }
 
+// The schema of a shared store on the server ("jkv" rather than SQLite's "main").
+QString serverSchema(File f) {
+    return f == File::Jkv ? QStringLiteral("jkv") : schemaName(f);
+}
+
+const QString kSearchPath = QStringLiteral("SET search_path TO jkv, facture, tiers, mail, public");
+
+// SQLite's CAST(x AS INTEGER) takes the leading number of any text; the
+// server's would refuse a text that is not one. orve_int() does what SQLite does.
+QString serverDialect(const QString& sql) {
+    static const QRegularExpression cast(
+        QStringLiteral("CAST\\(\\s*([^()]*(?:\\([^()]*\\)[^()]*)*?)\\s+AS\\s+INTEGER\\s*\\)"),
+        QRegularExpression::CaseInsensitiveOption);
+    if (!sql.contains(QStringLiteral("AS INTEGER"), Qt::CaseInsensitive)) return sql;
+    QString out = sql;
+    out.replace(cast, QStringLiteral("orve_int(\\1)"));
+    return out;
+}
+
+bool lostConnectionText(const QString& text) {
+    return text.contains(QStringLiteral("server closed the connection"), Qt::CaseInsensitive) ||
+           text.contains(QStringLiteral("no connection to the server"), Qt::CaseInsensitive) ||
+           text.contains(QStringLiteral("terminating connection"), Qt::CaseInsensitive) ||
+           text.contains(QStringLiteral("connection to server"), Qt::CaseInsensitive) ||
+           text.contains(QStringLiteral("could not send data"), Qt::CaseInsensitive) ||
+           text.contains(QStringLiteral("could not receive data"), Qt::CaseInsensitive);
+}
+
 // Used where no Store exists yet: errors are those of the file at `path`.
 QSqlQuery runIn(const QSqlDatabase& db, const QString& path, const QString& sql,
                 const Params& params = {}) {
@@ -132,6 +160,11 @@ QString schemaName(File f) {
     return {};
 }
 
+const std::vector<File>& sharedFiles() {
+    static const std::vector<File> files{File::Jkv, File::Facture, File::Tiers, File::Mail};
+    return files;
+}
+
 const std::vector<File>& allFiles() {
     static const std::vector<File> files{File::Jkv, File::Facture, File::Tiers, File::Mail,
                                          File::Tri};
@@ -194,13 +227,31 @@ void prepareFile(const QString& dataFolder, File f) {
 }
 
 std::unique_ptr<Store> Store::open(const QString& dataFolder) {
+    return open(StoreAddress::ofFolder(dataFolder), dataFolder);
+}
+
+std::unique_ptr<Store> Store::create(const QString& dataFolder) {
+    return create(StoreAddress::ofFolder(dataFolder), dataFolder);
+}
+
+std::unique_ptr<Store> Store::open(const StoreAddress& address, const QString& scratchFolder,
+                                   const PasswordPrompt& askPassword) {
+    if (address.shared()) {
+        std::unique_ptr<Store> store(new Store(address, scratchFolder,
+                                               nextConnectionName(QStringLiteral("server"))));
+        store->connect(askPassword);
+        store->prepareServer(false);
+        store->learnTables();
+        store->m_scratch = openScratch(scratchFolder);
+        return store;
+    }
+    const QString& dataFolder = address.folder;
     const QFileInfo info(dataFolder);
     if (!info.isDir()) {
         throw StoreError(QStringLiteral("Le dossier des données « %1 » n'existe pas.")
                              .arg(format::echoed(QDir::toNativeSeparators(dataFolder))));
     }
-    for (File f : allFiles()) {
-        if (f == File::Tri) continue;  // each workstation's scratch, made again at will
+    for (File f : sharedFiles()) {
         const QFileInfo file(QDir(dataFolder).filePath(fileName(f)));
         if (!file.isFile() || file.size() == 0)
             throw StoreError(QStringLiteral("Le fichier de données %1 est introuvable (ou vide) "
@@ -208,13 +259,12 @@ std::unique_ptr<Store> Store::open(const QString& dataFolder) {
                                  .arg(fileName(f),
                                       format::echoed(QDir::toNativeSeparators(dataFolder))));
     }
-    for (File f : allFiles()) prepareFile(dataFolder, f);
+    for (File f : sharedFiles()) prepareFile(dataFolder, f);
     const QString name = nextConnectionName(QStringLiteral("store"));
-    const QString mainPath = QDir(dataFolder).filePath(fileName(File::Jkv));
-    openConnection(mainPath, name);
+    openConnection(QDir(dataFolder).filePath(fileName(File::Jkv)), name);
     // Owned from here on: a failed ATTACH closes and removes the connection.
-    std::unique_ptr<Store> store(new Store(dataFolder, name));
-    for (File f : allFiles()) {
+    std::unique_ptr<Store> store(new Store(address, dataFolder, name));
+    for (File f : sharedFiles()) {
         if (f == File::Jkv) continue;
         const QString path = QDir(dataFolder).filePath(fileName(f));
         // The schema name is ours, the path is bound.
@@ -222,28 +272,186 @@ std::unique_ptr<Store> Store::open(const QString& dataFolder) {
               QStringLiteral("ATTACH DATABASE ? AS %1").arg(schemaName(f)), {path});
     }
     store->learnTables();
+    store->m_scratch = openScratch(scratchFolder);
     return store;
 }
 
-std::unique_ptr<Store> Store::create(const QString& dataFolder) {
-    if (!QFileInfo(dataFolder).isDir() && !QDir().mkpath(dataFolder))
+std::unique_ptr<Store> Store::create(const StoreAddress& address, const QString& scratchFolder,
+                                     const PasswordPrompt& askPassword) {
+    if (!QFileInfo(scratchFolder).isDir() && !QDir().mkpath(scratchFolder))
         throw StoreError(QStringLiteral("Impossible de créer le dossier des données %1.")
-                             .arg(format::echoed(QDir::toNativeSeparators(dataFolder))));
-    for (File f : allFiles()) prepareFile(dataFolder, f);
-    return open(dataFolder);
+                             .arg(format::echoed(QDir::toNativeSeparators(scratchFolder))));
+    if (!address.shared()) {
+        for (File f : allFiles()) prepareFile(address.folder, f);
+        return open(address, scratchFolder);
+    }
+    std::unique_ptr<Store> store(
+        new Store(address, scratchFolder, nextConnectionName(QStringLiteral("server"))));
+    store->connect(askPassword);
+    store->prepareServer(true);
+    store->learnTables();
+    store->m_scratch = openScratch(scratchFolder);
+    return store;
+}
+
+std::unique_ptr<Store> Store::openScratch(const QString& folder) {
+    // Each workstation's own: a lost or damaged one is simply made again.
+    const QString path = QDir(folder).filePath(fileName(File::Tri));
+    try {
+        prepareFile(folder, File::Tri);
+    } catch (const StoreError&) {
+        QFile::remove(path);
+        QFile::remove(path + QStringLiteral("-wal"));
+        QFile::remove(path + QStringLiteral("-shm"));
+        prepareFile(folder, File::Tri);
+    }
+    const QString name = nextConnectionName(QStringLiteral("scratch"));
+    openConnection(path, name);
+    std::unique_ptr<Store> store(new Store(StoreAddress::ofFolder(folder), folder, name));
+    for (const auto& r : store->select(
+             QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))
+        store->m_tableFiles.emplace(r.value(0).toString().toLower(), File::Tri);
+    return store;
+}
+
+void Store::connect(const PasswordPrompt& askPassword) {
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), m_connection);
+    if (!db.isValid())
+        throw StoreError(QStringLiteral("Le pilote PostgreSQL de Qt n'est pas installé sur ce "
+                                        "poste (paquet libqt6sql6-psql)."));
+    db.setHostName(m_address.host);
+    db.setPort(m_address.port);
+    db.setDatabaseName(m_address.database);
+    db.setUserName(m_address.user);
+    QString options = QStringLiteral("connect_timeout=10");
+    if (!m_address.sslmode.isEmpty()) options += QStringLiteral(";sslmode=") + m_address.sslmode;
+    db.setConnectOptions(options);
+    for (;;) {
+        if (!m_password.isEmpty()) db.setPassword(m_password);
+        if (db.open()) break;
+        const QSqlError error = db.lastError();
+        // The password file (~/.pgpass) had none: ask once, keep it in memory only.
+        if (askPassword && m_password.isEmpty() &&
+            error.text().contains(QStringLiteral("password"), Qt::CaseInsensitive)) {
+            m_password = askPassword(
+                QStringLiteral("Mot de passe de %1 sur le serveur %2 :")
+                    .arg(m_address.user.isEmpty() ? QStringLiteral("l'utilisateur") : m_address.user,
+                         m_address.display()));
+            if (!m_password.isEmpty()) continue;
+        }
+        throw StoreError(QStringLiteral("Impossible de joindre la base partagée %1 : %2")
+                             .arg(m_address.display(), describeEngineError(error, true)));
+    }
+    QSqlQuery q(db);
+    if (!q.exec(kSearchPath)) fail(kSearchPath, q.lastError());
+}
+
+void Store::prepareServer(bool creating) {
+    initSchemaResources();
+    const bool present = exists(QStringLiteral(
+        "SELECT 1 FROM information_schema.schemata WHERE schema_name = 'jkv'"));
+    if (creating && present &&
+        exists(QStringLiteral("SELECT 1 FROM information_schema.tables WHERE table_schema IN "
+                              "('jkv', 'facture', 'tiers', 'mail')")))
+        throw Refusal(QStringLiteral("La base partagée %1 contient déjà une installation ORVE : "
+                                     "elle n'a pas été modifiée.")
+                          .arg(m_address.display()));
+    if (!creating && !present)
+        throw StoreError(QStringLiteral("La base partagée %1 ne contient pas d'installation ORVE. "
+                                        "Créez-la avec « orve-batch init DOSSIER --base %2 ».")
+                             .arg(m_address.display(), m_address.text()));
+    for (File f : sharedFiles()) {
+        const QString schema = serverSchema(f);
+        const QString dir = QStringLiteral(":/schema/postgres/%1").arg(schema);
+        const QStringList scripts =
+            QDir(dir).entryList({QStringLiteral("*.sql")}, QDir::Files, QDir::Name);
+        Transaction tx(*this);
+        // Two workstations starting at once upgrade the schema one after the other.
+        lockSeries(QStringLiteral("orve-schema"));
+        exec(QStringLiteral("CREATE SCHEMA IF NOT EXISTS %1").arg(schema));
+        exec(QStringLiteral("CREATE TABLE IF NOT EXISTS %1.orve_version (version integer NOT NULL)")
+                 .arg(schema));
+        const int version =
+            scalar(QStringLiteral("SELECT COALESCE(max(version), 0) FROM %1.orve_version").arg(schema))
+                .toInt();
+        for (const QString& script : scripts) {
+            const int number = script.section('_', 0, 0).toInt();
+            if (number <= version) continue;
+            QFile file(dir + '/' + script);
+            if (!file.open(QIODevice::ReadOnly))
+                throw StoreError(QStringLiteral("Le schéma %1 de %2 est illisible : %3")
+                                     .arg(script, schema, file.errorString()));
+            exec(QStringLiteral("SET LOCAL search_path TO %1, public").arg(schema));
+            for (const QString& statement : statementsOf(QString::fromUtf8(file.readAll())))
+                exec(statement);
+            exec(QStringLiteral("INSERT INTO %1.orve_version (version) VALUES (?)").arg(schema),
+                 {number});
+        }
+        tx.commit();
+    }
+    exec(kSearchPath);
 }
 
 void Store::learnTables() {
-    for (File f : allFiles()) {
-        const Rows rows = select(QStringLiteral("SELECT name FROM %1.sqlite_master WHERE type = "
-                                                "'table'")
-                                     .arg(schemaName(f)));
-        for (const auto& r : rows) m_tableFiles.emplace(r.value(0).toString().toLower(), f);
-    }
+    m_tableFiles.clear();
+    for (File f : sharedFiles())
+        for (const QString& table : tables(f)) m_tableFiles.emplace(table.toLower(), f);
 }
 
-Store::Store(QString folder, QString connection)
-    : m_folder(std::move(folder)), m_connection(std::move(connection)) {}
+QStringList Store::tables(File f) const {
+    if (f == File::Tri) return scratch().tables(File::Jkv);
+    QStringList out;
+    const Rows rows =
+        postgres()
+            ? select(QStringLiteral("SELECT table_name FROM information_schema.tables WHERE "
+                                    "table_schema = ? AND table_type = 'BASE TABLE' AND "
+                                    "table_name <> 'orve_version' ORDER BY table_name"),
+                     {serverSchema(f)})
+            : select(QStringLiteral("SELECT name FROM %1.sqlite_master WHERE type = 'table' AND "
+                                    "name NOT LIKE 'sqlite_%' ORDER BY name")
+                         .arg(schemaName(f)));
+    for (const auto& r : rows) out << r.value(0).toString();
+    return out;
+}
+
+QStringList Store::columns(const QString& table) const {
+    const auto it = m_tableFiles.find(table.toLower());
+    const File f = it == m_tableFiles.end() ? File::Jkv : it->second;
+    QStringList out;
+    const Rows rows =
+        postgres()
+            ? select(QStringLiteral("SELECT column_name FROM information_schema.columns WHERE "
+                                    "table_schema = ? AND table_name = ? ORDER BY ordinal_position"),
+                     {serverSchema(f), table})
+            : select(QStringLiteral("SELECT name FROM pragma_table_info(?, ?)"),
+                     {table, f == File::Tri ? QStringLiteral("main") : schemaName(f)});
+    for (const auto& r : rows)
+        if (r.value(0).toString() != QStringLiteral("rowid")) out << r.value(0).toString();
+    return out;
+}
+
+QStringList Store::wholeNumberColumns(const QString& table) const {
+    const auto it = m_tableFiles.find(table.toLower());
+    const File f = it == m_tableFiles.end() ? File::Jkv : it->second;
+    QStringList out;
+    const Rows rows =
+        postgres()
+            ? select(QStringLiteral("SELECT column_name FROM information_schema.columns WHERE "
+                                    "table_schema = ? AND table_name = ? AND data_type = 'bigint' "
+                                    "ORDER BY ordinal_position"),
+                     {serverSchema(f), table})
+            : select(QStringLiteral("SELECT name FROM pragma_table_info(?, ?) WHERE upper(type) = "
+                                    "'INTEGER'"),
+                     {table, f == File::Tri ? QStringLiteral("main") : schemaName(f)});
+    for (const auto& r : rows)
+        if (r.value(0).toString() != QStringLiteral("rowid")) out << r.value(0).toString();
+    return out;
+}
+
+Store::Store(StoreAddress address, QString folder, QString connection)
+    : m_address(std::move(address)),
+      m_folder(std::move(folder)),
+      m_connection(std::move(connection)) {}
 
 Store::~Store() {
     {
@@ -258,9 +466,34 @@ Store::~Store() {
 
 QString Store::path(File f) const { return QDir(m_folder).filePath(fileName(f)); }
 
+Store& Store::scratch() const {
+    // The scratch store is its own scratch.
+    return m_scratch ? *m_scratch : const_cast<Store&>(*this);
+}
+
 QSqlDatabase Store::database() const { return QSqlDatabase::database(m_connection, false); }
 
+bool Store::connectionLost() const {
+    if (!postgres()) return false;
+    QSqlDatabase db = database();
+    if (!db.isOpen()) return true;
+    // A failed statement leaves the server's transaction aborted, and then any
+    // ping fails too: only a connection-level failure means the server is gone.
+    QSqlQuery ping(db);
+    return !ping.exec(QStringLiteral("SELECT 1")) && lostConnectionText(ping.lastError().text());
+}
+
 void Store::fail(const QString& sql, const QSqlError& error) const {
+    if (postgres() && (lostConnectionText(error.text()) || connectionLost())) {
+        // The server has rolled back whatever was in hand; the next action
+        // opens a new connection.
+        m_lost = true;
+        throw StoreError(QStringLiteral("La connexion au serveur de la base partagée %1 est "
+                                        "perdue : l'opération en cours est annulée, rien n'en a "
+                                        "été enregistré. Réessayez dans un instant : ORVE se "
+                                        "reconnectera. [%2]")
+                             .arg(m_address.display(), format::echoed(error.text().trimmed())));
+    }
     const QString table = tableOf(sql);
     QString where;
     if (!table.isEmpty()) {
@@ -269,25 +502,53 @@ void Store::fail(const QString& sql, const QSqlError& error) const {
         const QString bare = table.section('.', -1).toLower();
         std::optional<File> file;
         for (File f : allFiles())
-            if (schemaName(f) == schema) file = f;
+            if (schemaName(f) == schema || (postgres() && serverSchema(f) == schema)) file = f;
         if (!file) {
             const auto it = m_tableFiles.find(bare);
             if (it != m_tableFiles.end()) file = it->second;
         }
-        where = QStringLiteral("%1, table %2")
-                    .arg(file ? fileName(*file) : QStringLiteral("des données"), bare);
+        const QString store =
+            !file ? QStringLiteral("des données")
+            : postgres() ? QStringLiteral("partagée %1 (%2)").arg(m_address.display(),
+                                                                   serverSchema(*file))
+                         : fileName(*file);
+        where = QStringLiteral("%1, table %2").arg(store, bare);
+    } else if (postgres()) {
+        where = QStringLiteral("partagée %1").arg(m_address.display());
     } else {
         // BEGIN, COMMIT and the like concern the whole installation.
         where = QStringLiteral("du dossier %1").arg(QDir::toNativeSeparators(m_folder));
     }
     throw StoreError(QStringLiteral("Erreur de la base de données %1 (%2) : %3")
-                         .arg(where, operationOf(sql), describeEngineError(error)));
+                         .arg(where, operationOf(sql), describeEngineError(error, postgres())));
 }
 
+QString Store::dialect(const QString& sql) const { return postgres() ? serverDialect(sql) : sql; }
+
 QSqlQuery Store::run(const QString& sql, const Params& params) const {
+    if (m_lost) {
+        if (m_depth > 0) fail(sql, QSqlError());
+        // A new connection for the next action after a lost one.
+        QSqlDatabase db = database();
+        db.close();
+        if (!db.open())
+            throw StoreError(QStringLiteral("La base partagée %1 ne répond pas : %2")
+                                 .arg(m_address.display(),
+                                      describeEngineError(db.lastError(), true)));
+        QSqlQuery path(db);
+        path.exec(kSearchPath);
+        m_lost = false;
+    }
+    const QString text = dialect(sql);
     QSqlQuery q(database());
     q.setForwardOnly(true);
-    if (!q.prepare(sql)) fail(sql, q.lastError());
+    if (params.empty()) {
+        // Nothing to bind: run as it stands (the server cannot prepare BEGIN,
+        // SAVEPOINT or a schema statement).
+        if (!q.exec(text)) fail(sql, q.lastError());
+        return q;
+    }
+    if (!q.prepare(text)) fail(sql, q.lastError());
     for (const auto& p : params) q.addBindValue(p);
     if (!q.exec()) fail(sql, q.lastError());
     return q;
@@ -361,19 +622,29 @@ int Store::update(const QString& table, const Fields& fields, const QString& whe
                 values);
 }
 
+void Store::lockSeries(const QString& series) const {
+    // SQLite's writers already follow one another (BEGIN IMMEDIATE); the
+    // server needs a lock of its own, released with the transaction.
+    if (postgres()) exec(QStringLiteral("SELECT pg_advisory_xact_lock(hashtext(?))"), {series});
+}
+
 void Store::begin() {
     if (m_depth == 0) {
-        // IMMEDIATE takes the write lock at once: two workstations numbering at
-        // the same moment wait for each other instead of failing half-way.
-        const QString sql = QStringLiteral("BEGIN IMMEDIATE");
-        QSqlQuery q(database());
-        if (!q.exec(sql)) {
-            const QSqlError error = q.lastError();
-            const QStringList busy = lockedFiles();
-            if (busy.isEmpty()) fail(sql, error);
-            throw StoreError(QStringLiteral("Erreur de la base de données %1 (%2) : %3")
-                                 .arg(busy.join(QStringLiteral(", ")), operationOf(sql),
-                                      describeEngineError(error)));
+        if (postgres()) {
+            exec(QStringLiteral("BEGIN"));
+        } else {
+            // IMMEDIATE takes the write lock at once: two workstations numbering at
+            // the same moment wait for each other instead of failing half-way.
+            const QString sql = QStringLiteral("BEGIN IMMEDIATE");
+            QSqlQuery q(database());
+            if (!q.exec(sql)) {
+                const QSqlError error = q.lastError();
+                const QStringList busy = lockedFiles();
+                if (busy.isEmpty()) fail(sql, error);
+                throw StoreError(QStringLiteral("Erreur de la base de données %1 (%2) : %3")
+                                     .arg(busy.join(QStringLiteral(", ")), operationOf(sql),
+                                          describeEngineError(error)));
+            }
         }
     } else {
         exec(QStringLiteral("SAVEPOINT s%1").arg(m_depth));
@@ -385,7 +656,7 @@ QStringList Store::lockedFiles() const {
     // The engine says "locked" without saying which file: ask each one, without
     // waiting, whether another workstation holds its write lock.
     QStringList busy;
-    for (File f : allFiles()) {
+    for (File f : sharedFiles()) {
         const QString name = nextConnectionName(QStringLiteral("probe"));
         {
             QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
@@ -421,6 +692,7 @@ void Store::commit() {
 
 void Store::rollback() {
     const int level = --m_depth;
+    if (m_lost) return;  // the server has undone it already
     if (level == 0) {
         QSqlQuery q(database());
         q.exec(QStringLiteral("ROLLBACK"));  // fails only when nothing is open: nothing to undo
@@ -448,24 +720,54 @@ void Transaction::commit() {
     m_store.commit();
 }
 
-QString describeEngineError(const QSqlError& error) {
-    // SQLite's extended codes keep the primary code in their low byte.
-    const int code = error.nativeErrorCode().toInt() & 0xff;
+Snapshot::Snapshot(const Store& store) : m_store(store), m_own(store.m_depth == 0) {
+    // Inside a transaction the connection already reads one state of the data.
+    if (m_own)
+        m_store.exec(m_store.postgres()
+                     ? QStringLiteral("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY")
+                     : QStringLiteral("BEGIN"));
+}
+
+Snapshot::~Snapshot() {
+    if (!m_own) return;
+    QSqlQuery q(m_store.database());
+    q.exec(QStringLiteral("COMMIT"));
+}
+
+QString describeEngineError(const QSqlError& error, bool server) {
     QString cause;
-    switch (code) {
-        case 5:  // SQLITE_BUSY
-        case 6:  // SQLITE_LOCKED
+    if (server) {
+        const QString state = error.nativeErrorCode();
+        if (state == QStringLiteral("40P01") || state == QStringLiteral("55P03") ||
+            state == QStringLiteral("40001"))
             cause = QStringLiteral("la base est utilisée par un autre poste (réessayez dans un instant)");
-            break;
-        case 13: cause = QStringLiteral("disque plein"); break;  // SQLITE_FULL
-        case 26:                                                  // SQLITE_NOTADB
-        case 11:                                                  // SQLITE_CORRUPT
-            cause = QStringLiteral("ce fichier n'est pas une base ORVE ou il est endommagé");
-            break;
-        case 8: cause = QStringLiteral("le fichier est en lecture seule"); break;  // SQLITE_READONLY
-        case 14: cause = QStringLiteral("le fichier ne peut pas être ouvert"); break;  // CANTOPEN
-        case 10: cause = QStringLiteral("erreur de lecture ou d'écriture sur le disque"); break;
-        default: break;
+        else if (state == QStringLiteral("53100"))
+            cause = QStringLiteral("disque plein sur le serveur");
+        else if (state == QStringLiteral("25006"))
+            cause = QStringLiteral("la base est en lecture seule");
+        else if (state == QStringLiteral("42501") || state == QStringLiteral("28P01") ||
+                 state == QStringLiteral("28000"))
+            cause = QStringLiteral("accès refusé par le serveur (utilisateur ou mot de passe)");
+        else if (state == QStringLiteral("3D000"))
+            cause = QStringLiteral("cette base n'existe pas sur le serveur");
+    } else {
+        // SQLite's extended codes keep the primary code in their low byte.
+        switch (error.nativeErrorCode().toInt() & 0xff) {
+            case 5:  // SQLITE_BUSY
+            case 6:  // SQLITE_LOCKED
+                cause = QStringLiteral(
+                    "la base est utilisée par un autre poste (réessayez dans un instant)");
+                break;
+            case 13: cause = QStringLiteral("disque plein"); break;  // SQLITE_FULL
+            case 26:                                                  // SQLITE_NOTADB
+            case 11:                                                  // SQLITE_CORRUPT
+                cause = QStringLiteral("ce fichier n'est pas une base ORVE ou il est endommagé");
+                break;
+            case 8: cause = QStringLiteral("le fichier est en lecture seule"); break;
+            case 14: cause = QStringLiteral("le fichier ne peut pas être ouvert"); break;
+            case 10: cause = QStringLiteral("erreur de lecture ou d'écriture sur le disque"); break;
+            default: break;
+        }
     }
     const QString raw = format::echoed(error.text().trimmed());
     if (cause.isEmpty()) return raw;

@@ -61,6 +61,21 @@ TEST_F(ScenarioRunnerTest, PassesWhatIsTrue) {
         << m_err.toStdString();
 }
 
+TEST_F(ScenarioRunnerTest, GridsAreReadAsShownAndChosenLikeAnOperator) {
+    EXPECT_EQ(run("login gestu kvarn-2026\n"
+                  "menu mnu_fic_tiers_lr\n"
+                  "expect-rows DBGrid1 6\n"
+                  "expect-cell DBGrid1 4 re_code LR44\n"
+                  "expect-cell DBGrid1 4 0 LR44\n"
+                  "pick DBGrid1 4\n"
+                  "expect-visible Frame1 yes\n"
+                  "expect txt_re_ad1 \"9 quai des Chantiers\"\n"
+                  "edit DBGrid1 4 Intitulé \"Ligue des Pays de la Loire\"\n"
+                  "expect-cell DBGrid1 4 Intitulé \"Ligue des Pays de la Loire\"\n"),
+              0)
+        << m_err.toStdString();
+}
+
 TEST_F(ScenarioRunnerTest, EachKindOfMistakeFailsAtItsLine) {
     struct Case {
         const char* script;
@@ -78,6 +93,18 @@ TEST_F(ScenarioRunnerTest, EachKindOfMistakeFailsAtItsLine) {
         {"expect-message \"Aucune lettre\"\n", "no message was shown"},
         {"answer yes\n", "end: an answer was never asked for"},
         {"frobnicate\n", "unknown statement"},
+        {"pick DBGrid1\n", "line 1: pick DBGrid1: pick needs 2 argument(s)"},
+        {"login gestu kvarn-2026\nmenu mnu_fic_tiers_lr\nexpect-cell DBGrid1 5 \"N° Ligue\" LR06\n",
+         "line 3: expect-cell DBGrid1 5 \"N° Ligue\" LR06: cell is \"LR69\""},
+        {"login gestu kvarn-2026\nmenu mnu_fic_tiers_lr\npick DBGrid1 6\n",
+         "DBGrid1 has no row 6 (6 rows)"},
+        {"login gestu kvarn-2026\nmenu mnu_fic_tiers_lr\nexpect-rows DBGrid1 7\n",
+         "expect-rows DBGrid1 7: 6 rows"},
+        // The card's own fields are in the grid's model but are no grid column.
+        {"login gestu kvarn-2026\nmenu mnu_fic_tiers_lr\nexpect-cell DBGrid1 0 re_ad1 x\n",
+         "DBGrid1 has no column re_ad1"},
+        {"login gestu kvarn-2026\nmenu mnu_fic_tiers_lr\nexpect-cell DBGrid1 0 5 x\n",
+         "DBGrid1 has no column 5"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(run(QString::fromUtf8(c.script)), 1) << c.script;

@@ -7,6 +7,7 @@
 #include "app/Startup.h"
 #include "store/Refusal.h"
 #include "support/TestInstall.h"
+#include "support/TestServer.h"
 
 using namespace orve;
 using namespace orve::app;
@@ -31,7 +32,15 @@ QString refusalOf(const QString& home) {
 TEST(Startup, ReadsPathFilesAndInstallation) {
     test::TestInstall inst(test::TestInstall::Kind::Empty);
     auto s = inst.start();
-    EXPECT_EQ(s->dataFolder(), QDir(inst.home()).filePath("donnees"));
+    if (test::onServer()) {
+        // The workstation keeps its scratch file at home; the data are on the server.
+        EXPECT_EQ(s->dataFolder(), inst.home());
+        EXPECT_TRUE(storeCaption(s->store().address()).startsWith("Base partagée : "));
+        EXPECT_TRUE(QFile::exists(QDir(inst.home()).filePath("bow_tri.db")));
+    } else {
+        EXPECT_EQ(s->dataFolder(), QDir(inst.home()).filePath("donnees"));
+        EXPECT_EQ(storeCaption(s->store().address()), "");
+    }
     EXPECT_EQ(s->invoiceFolder(), QDir(inst.home()).filePath("factures"));
     EXPECT_EQ(s->installation().code, "TST");
     EXPECT_EQ(s->installation().district, "D1");
@@ -55,6 +64,7 @@ TEST(Startup, PathsAreJoinedWhateverTheirSeparators) {
 }
 
 TEST(Startup, BadPathFilesAndEmptySettingsAreClearMessages) {
+    ORVE_SQLITE_FILES_ONLY();
     test::TestInstall inst(test::TestInstall::Kind::Empty);
     const QString base = QDir(inst.home()).filePath("chemin_base.txt");
     const QString invoices = QDir(inst.home()).filePath("chemin_facture.txt");

@@ -288,3 +288,29 @@ TEST(ReferenceNatures, SavePushesOptionsIntoEveryCompetitionOfTheNature) {
     natures::remove(s, "NEW1");
     EXPECT_FALSE(s.exists("select 1 from strnaturec where n_code = 'NEW1'"));
 }
+
+TEST(ReferenceListings, GridsListInTheRulesOrderWithValuesBound) {
+    test::TestInstall install;
+    auto session = install.start();
+    auto& s = session->store();
+
+    // Leagues stay in the order the table holds them, not by code.
+    s.insert("strregion", {{"re_code", "LR01"}, {"re_lib", "Ligue ajoutée"}});
+    const auto listed = s.select(leagues::listing());
+    EXPECT_EQ(listed.size(), 7u);
+    EXPECT_EQ(listed.front().value("re_code").toString(), "LR06");
+    EXPECT_EQ(listed.back().value("re_code").toString(), "LR01");
+
+    s.insert("strarticle", {{"a_index", "00000000"}, {"a_nature", "DIV"}});
+    EXPECT_EQ(s.select(articles::listing()).front().value("a_index").toString(), "00000000");
+    s.insert("strnaturec", {{"n_code", "AAA"}});
+    EXPECT_EQ(s.select(natures::listing()).front().value("n_code").toString(), "AAA");
+
+    // An article's prices for one nature only, by season; a quote is just a value.
+    articles::saveTariff(s, {"00000000", "DIV", "2030", "1"}, true);
+    articles::saveTariff(s, {"00000000", "LIC", "2019", "2"}, true);
+    articles::saveTariff(s, {"00000000", "DIV", "2020", "3"}, true);
+    EXPECT_EQ(column(s.select(articles::tariffListing("00000000", "DIV")), "t_saison"),
+              (QStringList{"2020", "2030"}));
+    EXPECT_TRUE(s.select(articles::tariffListing("00000000' or '1'='1", "DIV")).empty());
+}

@@ -25,7 +25,7 @@ TEST(Store, CreatesFiveFilesWithTheirTablesAndJoinsThem) {
     // Tables live in their own files yet one statement reaches them all.
     s->insert("strentete", {{"ent_fact_no", "12"}, {"ent_c_index", "8FA00001"}});
     s->insert("strcompetition", {{"c_index", "8FA00001"}, {"c_intitule", "Facture Divers"}});
-    s->insert("tri.strcompetition", {{"c_index", "scratch"}});
+    s->scratch().insert("strcompetition", {{"c_index", "scratch"}});
     EXPECT_EQ(s->scalar("SELECT c_intitule FROM strentete JOIN strcompetition "
                         "ON ent_c_index = c_index")
                   .toString(),
@@ -157,13 +157,13 @@ TEST(Store, ACommitThatFailsLeavesNothingAndTheStoreUsable) {
     auto s = freshStore(dir);
     // A check the engine makes only at COMMIT: a deferred foreign key.
     s->exec("PRAGMA foreign_keys = ON");
-    s->exec("CREATE TABLE tri.parent (id INTEGER PRIMARY KEY)");
-    s->exec("CREATE TABLE tri.child (pid INTEGER REFERENCES parent(id) "
+    s->exec("CREATE TEMP TABLE parent (id INTEGER PRIMARY KEY)");
+    s->exec("CREATE TEMP TABLE child (pid INTEGER REFERENCES parent(id) "
             "DEFERRABLE INITIALLY DEFERRED)");
     {
         Transaction tx(*s);
         s->insert("strtypec", {{"t_code", "FD"}});
-        s->insert("tri.child", {{"pid", 42}});
+        s->insert("temp.child", {{"pid", 42}});
         EXPECT_THROW(tx.commit(), StoreError);
     }
     EXPECT_EQ(s->scalar("SELECT count(*) FROM strtypec").toInt(), 0);

@@ -7,16 +7,22 @@
 #include "app/Startup.h"
 #include "shell/Composition.h"
 #include "shell/DemoData.h"
+#include "support/TestServer.h"
 
 namespace orve::test {
 
 TestInstall::TestInstall(Kind kind, const QDate& today) : m_today(today) {
     m_home = m_dir.path() + QStringLiteral("/inst");
+    if (onServer()) m_base = createDatabase();
     if (kind == Kind::Demo) {
-        shell::createDemoInstallation(m_home, today);
+        shell::createDemoInstallation(m_home, today, m_base);
     } else {
-        app::createInstallation(m_home, {"TST", "Installation de test", "D1"}, today);
+        app::createInstallation(m_home, {"TST", "Installation de test", "D1"}, today, m_base);
     }
+}
+
+TestInstall::~TestInstall() {
+    if (!m_base.isEmpty()) dropDatabase(m_base);
 }
 
 std::unique_ptr<app::Session> TestInstall::start() const {

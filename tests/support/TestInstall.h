@@ -13,7 +13,9 @@ namespace orve::test {
 class TestInstall {
   public:
     enum class Kind { Empty, Demo };
+    // On the suite's server run, the data go to a database of their own.
     explicit TestInstall(Kind kind = Kind::Demo, const QDate& today = QDate(2026, 11, 21));
+    ~TestInstall();
     const QString& home() const { return m_home; }
     const QDate& today() const { return m_today; }
     // Starts the installation as the desktop program does.
@@ -24,6 +26,7 @@ class TestInstall {
   private:
     QTemporaryDir m_dir;
     QString m_home;
+    QString m_base;  // the server database, when there is one
     QDate m_today;
 };
 

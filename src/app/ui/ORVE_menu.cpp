@@ -153,6 +153,13 @@ void ORVE_menu::buildPanels() {
     m_userLabel = new QLabel(this);
     m_userLabel->setObjectName(QStringLiteral("lbl_utilisateur"));
     statusBar()->addWidget(m_userLabel);
+    // Which data the office works on, so no clerk takes a test base for the real one.
+    const QString storeText = storeCaption(m_session.store().address());
+    if (!storeText.isEmpty()) {
+        auto* storeLabel = new QLabel(storeText, this);
+        storeLabel->setObjectName(QStringLiteral("lbl_base"));
+        statusBar()->addPermanentWidget(storeLabel);
+    }
 }
 
 void ORVE_menu::applyRights() {
@@ -241,7 +248,7 @@ void ORVE_menu::runBackup() {
     QApplication::setOverrideCursor(Qt::WaitCursor);
     QString failure;
     try {
-        backupDataFolder(m_session.dataFolder(), destination);
+        backupStore(m_session.store(), destination);
     } catch (const std::exception& e) {
         failure = describeError(e);
     }

@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QInputDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -39,6 +41,13 @@ QString QtDialogs::chooseOpenFile(const QString& title, const QString& start,
 QString QtDialogs::chooseSaveFile(const QString& title, const QString& start,
                                   const QString& filter) {
     return QFileDialog::getSaveFileName(owner(), title, start, filter);
+}
+
+QString QtDialogs::askPassword(const QString& question) {
+    bool ok = false;
+    const QString typed = QInputDialog::getText(owner(), kTitle, question, QLineEdit::Password,
+                                                QString(), &ok);
+    return ok ? typed : QString();
 }
 
 }  // namespace orve::app

@@ -16,6 +16,7 @@ class QtDialogs : public Dialogs {
                            const QString& filter) override;
     QString chooseSaveFile(const QString& title, const QString& start,
                            const QString& filter) override;
+    QString askPassword(const QString& question) override;
 };
 
 }  // namespace orve::app

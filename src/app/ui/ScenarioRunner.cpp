@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QGroupBox>
+#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -15,15 +16,12 @@
 #include <QRadioButton>
 #include <QSet>
 #include <QSpinBox>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QSqlRecord>
 #include <QTextEdit>
-#include <atomic>
 
 #include "app/ui/DataGrid.h"
 #include "store/Formats.h"
+#include "store/Refusal.h"
 
 namespace orve::app {
 
@@ -142,23 +140,33 @@ void setText(QObject* o, const QString& text) {
 
 QAbstractItemView* grid(const QString& name) { return control<QAbstractItemView>(name, "grid"); }
 
+// A grid reads its rows as it scrolls; a scenario sees what scrolling down would show.
+void fetchRowsTo(QAbstractItemModel* model, int row) {
+    while ((row < 0 || row >= model->rowCount()) && model->canFetchMore({})) model->fetchMore({});
+}
+
 int columnIndex(QAbstractItemView* view, const QString& column) {
+    auto* model = view->model();
+    int shown = model->columnCount();
     if (auto* g = qobject_cast<DataGrid*>(view)) {
         const int c = g->columnOf(column);
         if (c >= 0) return c;
+        // The sections a card maps are not the grid's columns.
+        shown = g->storeModel()->shownColumnCount();
+    } else {
+        for (int c = 0; c < model->columnCount(); ++c)
+            if (model->headerData(c, Qt::Horizontal).toString() == column) return c;
     }
-    auto* model = view->model();
-    for (int c = 0; c < model->columnCount(); ++c)
-        if (model->headerData(c, Qt::Horizontal).toString() == column) return c;
     bool ok = false;
     const int n = column.toInt(&ok);
-    if (ok && n >= 0 && n < model->columnCount()) return n;
+    if (ok && n >= 0 && n < shown) return n;
     failWith(QStringLiteral("%1 has no column %2").arg(view->objectName(), column));
 }
 
 int rowIndex(QAbstractItemView* view, const QString& row) {
     bool ok = false;
     const int r = row.toInt(&ok);
+    if (ok) fetchRowsTo(view->model(), r);
     if (!ok || r < 0 || r >= view->model()->rowCount())
         failWith(QStringLiteral("%1 has no row %2 (%3 rows)")
                      .arg(view->objectName(), row)
@@ -166,37 +174,193 @@ int rowIndex(QAbstractItemView* view, const QString& row) {
     return r;
 }
 
+// Through the program's own store, so a scenario checks the same data on
+// SQLite files and on a shared server; the file name picks the scratch store.
 QString runSql(Session* session, const QString& file, const QString& query) {
     if (!session) failWith(QStringLiteral("no installation is open"));
     const auto f = store::fileByShortName(file);
     if (!f) failWith(QStringLiteral("unknown file %1").arg(file));
-    static std::atomic<int> counter{0};
-    const QString name = QStringLiteral("scenario-sql-%1").arg(++counter);
+    const store::Store& store =
+        *f == store::File::Tri ? session->store().scratch() : session->store();
     QStringList rows;
-    QString error;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(session->store().path(*f));
-        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY;QSQLITE_BUSY_TIMEOUT=5000"));
-        if (!db.open()) {
-            error = db.lastError().text();
-        } else {
-            QSqlQuery q(db);
-            if (!q.exec(query)) {
-                error = q.lastError().text();
-            } else {
-                while (q.next()) {
-                    QStringList cols;
-                    for (int i = 0; i < q.record().count(); ++i) cols << q.value(i).toString();
-                    rows << cols.join('|');
-                }
-            }
-            db.close();
+    try {
+        for (const auto& row : store.select(query)) {
+            QStringList cols;
+            for (int i = 0; i < row.count(); ++i) cols << row.value(i).toString();
+            rows << cols.join('|');
         }
+    } catch (const std::exception& e) {
+        failWith(QStringLiteral("sql failed: %1").arg(describeError(e)));
     }
-    QSqlDatabase::removeDatabase(name);
-    if (!error.isEmpty()) failWith(QStringLiteral("sql failed: %1").arg(error));
     return rows.join(';');
+}
+
+// One statement of a scenario: its words, and what it acts on.
+struct Statement {
+    const QString& line;
+    const QStringList& words;
+    ScriptedDialogs& dialogs;
+    Session* session;
+    // The statement's nth word (the verb is word 0); empty when missing.
+    QString word(int n) const { return words.value(n); }
+};
+
+void today(const Statement& s) {
+    const auto d = format::parseDisplayDate(s.word(1));
+    if (!d) failWith(QStringLiteral("not a date"));
+    if (!s.session) failWith(QStringLiteral("no installation is open"));
+    s.session->clock().setToday(*d);
+}
+
+void login(const Statement& s) {
+    setText(findControl(QStringLiteral("txt_login")), s.word(1));
+    setText(findControl(QStringLiteral("txt_pwd")), s.word(2));
+    control<QAbstractButton>(QStringLiteral("Cmdok_login"), "button")->click();
+}
+
+void menu(const Statement& s) {
+    auto* action = control<QAction>(s.word(1), "menu item");
+    if (!actionUsable(action)) failWith(QStringLiteral("%1 is greyed").arg(s.word(1)));
+    action->trigger();
+}
+
+void set(const Statement& s) { setText(findControl(s.word(1)), s.word(2)); }
+
+void click(const Statement& s) {
+    QObject* o = findControl(s.word(1));
+    auto* widget = qobject_cast<QWidget*>(o);
+    if (widget && !widget->isEnabled()) failWith(QStringLiteral("%1 is disabled").arg(s.word(1)));
+    if (widget && !widget->isVisible()) failWith(QStringLiteral("%1 is hidden").arg(s.word(1)));
+    if (auto* b = qobject_cast<QAbstractButton*>(o)) {
+        b->click();
+    } else if (!QMetaObject::invokeMethod(o, "clicked")) {
+        failWith(QStringLiteral("%1 cannot be clicked").arg(s.word(1)));
+    }
+}
+
+void pick(const Statement& s) {
+    auto* view = grid(s.word(1));
+    const int row = rowIndex(view, s.word(2));
+    if (auto* g = qobject_cast<DataGrid*>(view)) return g->choose(row);
+    const QModelIndex index = view->model()->index(row, 0);
+    view->setCurrentIndex(index);
+    emit view->clicked(index);
+}
+
+void edit(const Statement& s) {
+    auto* view = grid(s.word(1));
+    const int row = rowIndex(view, s.word(2));
+    const int column = columnIndex(view, s.word(3));
+    if (auto* g = qobject_cast<DataGrid*>(view)) return g->editCell(row, column, s.word(4));
+    view->model()->setData(view->model()->index(row, column), s.word(4));
+}
+
+void answer(const Statement& s) { s.dialogs.queueAnswer(yesNo(s.word(1))); }
+
+void choose(const Statement& s) { s.dialogs.queueChoice(s.word(1)); }
+
+void expectMessage(const Statement& s) {
+    if (s.dialogs.shown().empty()) failWith(QStringLiteral("no message was shown"));
+    const QString shown = s.dialogs.takeShown();
+    if (shown != s.word(1)) failWith(QStringLiteral("message was \"%1\"").arg(shown));
+}
+
+void expectText(const Statement& s) {
+    const QString text = textOf(findControl(s.word(1)));
+    if (text != s.word(2)) failWith(QStringLiteral("text is \"%1\"").arg(text));
+}
+
+void expectCell(const Statement& s) {
+    auto* view = grid(s.word(1));
+    const int row = rowIndex(view, s.word(2));
+    const int column = columnIndex(view, s.word(3));
+    // What the operator reads, amounts formatted.
+    const QString text = view->model()->index(row, column).data(Qt::DisplayRole).toString();
+    if (text != s.word(4)) failWith(QStringLiteral("cell is \"%1\"").arg(text));
+}
+
+void expectRows(const Statement& s) {
+    QObject* o = findControl(s.word(1));
+    int rows = -1;
+    if (auto* v = qobject_cast<QAbstractItemView*>(o)) {
+        fetchRowsTo(v->model(), -1);
+        rows = v->model()->rowCount();
+    }
+    if (auto* c = qobject_cast<QComboBox*>(o)) rows = c->count();
+    if (rows < 0) failWith(QStringLiteral("%1 has no rows").arg(s.word(1)));
+    if (QString::number(rows) != s.word(2)) failWith(QStringLiteral("%1 rows").arg(rows));
+}
+
+void expectEnabled(const Statement& s) {
+    QObject* o = findControl(s.word(1));
+    bool enabled = false;
+    if (auto* a = qobject_cast<QAction*>(o)) {
+        enabled = actionUsable(a);
+    } else if (auto* w = qobject_cast<QWidget*>(o)) {
+        enabled = w->isEnabled();
+    }
+    if (enabled != yesNo(s.word(2)))
+        failWith(QStringLiteral("enabled is %1").arg(enabled ? "yes" : "no"));
+}
+
+void expectVisible(const Statement& s) {
+    const bool visible = objectVisible(findControl(s.word(1)));
+    if (visible != yesNo(s.word(2)))
+        failWith(QStringLiteral("visible is %1").arg(visible ? "yes" : "no"));
+}
+
+void expectChecked(const Statement& s) {
+    auto* b = control<QAbstractButton>(s.word(1), "button");
+    if (b->isChecked() != yesNo(s.word(2)))
+        failWith(QStringLiteral("checked is %1").arg(b->isChecked() ? "yes" : "no"));
+}
+
+// "sql FILE QUERY => EXPECTED": the query is taken from the line as written,
+// quotes and all, not from its words.
+void sql(const Statement& s) {
+    const QString rest = s.line.mid(3).trimmed();
+    const QString file = rest.section(' ', 0, 0);
+    const int arrow = rest.indexOf(QStringLiteral("=>"));
+    if (file.isEmpty() || arrow < 0) failWith(QStringLiteral("sql FILE QUERY => EXPECTED"));
+    const QString query = rest.mid(file.size(), arrow - file.size()).trimmed();
+    QString expected = rest.mid(arrow + 2).trimmed();
+    if (expected.size() >= 2 && expected.startsWith('"') && expected.endsWith('"'))
+        expected = expected.mid(1, expected.size() - 2);
+    const QString got = runSql(s.session, file, query);
+    if (got != expected) failWith(QStringLiteral("got \"%1\"").arg(got));
+}
+
+void close(const Statement& s) { control<QWidget>(s.word(1), "window")->window()->close(); }
+
+struct Verb {
+    int arguments;  // the fewest words after the verb
+    void (*run)(const Statement&);
+    // Only a statement that reads messages may follow one that showed a message.
+    bool readsMessages = false;
+};
+
+const QHash<QString, Verb>& verbs() {
+    static const QHash<QString, Verb> table{
+        {QStringLiteral("today"), {1, today}},
+        {QStringLiteral("login"), {1, login}},
+        {QStringLiteral("menu"), {1, menu}},
+        {QStringLiteral("set"), {1, set}},
+        {QStringLiteral("click"), {1, click}},
+        {QStringLiteral("pick"), {2, pick}},
+        {QStringLiteral("edit"), {4, edit}},
+        {QStringLiteral("answer"), {1, answer}},
+        {QStringLiteral("choose"), {1, choose}},
+        {QStringLiteral("expect-message"), {1, expectMessage, true}},
+        {QStringLiteral("expect"), {1, expectText}},
+        {QStringLiteral("expect-cell"), {4, expectCell}},
+        {QStringLiteral("expect-rows"), {2, expectRows}},
+        {QStringLiteral("expect-enabled"), {2, expectEnabled}},
+        {QStringLiteral("expect-visible"), {2, expectVisible}},
+        {QStringLiteral("expect-checked"), {2, expectChecked}},
+        {QStringLiteral("sql"), {0, sql}},
+        {QStringLiteral("close"), {1, close}},
+    };
+    return table;
 }
 
 }  // namespace
@@ -252,135 +416,16 @@ QString ScenarioRunner::run(const QString& script) {
 
 QString ScenarioRunner::runStatement(const QString& line) {
     try {
-        const QStringList w = scenarioWords(line);
-        const QString verb = w.value(0);
-        auto need = [&](int n) {
-            if (w.size() < n + 1)
-                failWith(QStringLiteral("%1 needs %2 argument(s)").arg(verb).arg(n));
-        };
-        if (verb != QStringLiteral("expect-message") && !m_dialogs.shown().empty())
+        const QStringList words = scenarioWords(line);
+        const QString name = words.value(0);
+        const auto found = verbs().constFind(name);
+        const Verb* verb = found == verbs().constEnd() ? nullptr : &found.value();
+        if (!(verb && verb->readsMessages) && !m_dialogs.shown().empty())
             failWith(QStringLiteral("unexpected message: %1").arg(m_dialogs.takeShown()));
-
-        if (verb == QStringLiteral("today")) {
-            need(1);
-            const auto d = format::parseDisplayDate(w[1]);
-            if (!d) failWith(QStringLiteral("not a date"));
-            if (!m_session) failWith(QStringLiteral("no installation is open"));
-            m_session->clock().setToday(*d);
-        } else if (verb == QStringLiteral("login")) {
-            need(1);
-            setText(findControl(QStringLiteral("txt_login")), w[1]);
-            setText(findControl(QStringLiteral("txt_pwd")), w.value(2));
-            control<QAbstractButton>(QStringLiteral("Cmdok_login"), "button")->click();
-        } else if (verb == QStringLiteral("menu")) {
-            need(1);
-            auto* action = control<QAction>(w[1], "menu item");
-            if (!actionUsable(action)) failWith(QStringLiteral("%1 is greyed").arg(w[1]));
-            action->trigger();
-        } else if (verb == QStringLiteral("set")) {
-            need(1);
-            setText(findControl(w[1]), w.value(2));
-        } else if (verb == QStringLiteral("click")) {
-            need(1);
-            QObject* o = findControl(w[1]);
-            auto* widget = qobject_cast<QWidget*>(o);
-            if (widget && !widget->isEnabled())
-                failWith(QStringLiteral("%1 is disabled").arg(w[1]));
-            if (widget && !widget->isVisible()) failWith(QStringLiteral("%1 is hidden").arg(w[1]));
-            if (auto* b = qobject_cast<QAbstractButton*>(o)) {
-                b->click();
-            } else if (!QMetaObject::invokeMethod(o, "clicked")) {
-                failWith(QStringLiteral("%1 cannot be clicked").arg(w[1]));
-            }
-        } else if (verb == QStringLiteral("pick")) {
-            need(2);
-            auto* view = grid(w[1]);
-            const int row = rowIndex(view, w[2]);
-            if (auto* g = qobject_cast<DataGrid*>(view)) {
-                g->choose(row);
-            } else {
-                view->setCurrentIndex(view->model()->index(row, 0));
-                emit view->clicked(view->model()->index(row, 0));
-            }
-        } else if (verb == QStringLiteral("edit")) {
-            need(4);
-            auto* view = grid(w[1]);
-            const int row = rowIndex(view, w[2]);
-            const int col = columnIndex(view, w[3]);
-            if (auto* g = qobject_cast<DataGrid*>(view)) {
-                g->editCell(row, col, w[4]);
-            } else {
-                view->model()->setData(view->model()->index(row, col), w[4]);
-            }
-        } else if (verb == QStringLiteral("answer")) {
-            need(1);
-            m_dialogs.queueAnswer(yesNo(w[1]));
-        } else if (verb == QStringLiteral("choose")) {
-            need(1);
-            m_dialogs.queueChoice(w[1]);
-        } else if (verb == QStringLiteral("expect-message")) {
-            need(1);
-            if (m_dialogs.shown().empty()) failWith(QStringLiteral("no message was shown"));
-            const QString shown = m_dialogs.takeShown();
-            if (shown != w[1]) failWith(QStringLiteral("message was \"%1\"").arg(shown));
-        } else if (verb == QStringLiteral("expect")) {
-            need(1);
-            const QString text = textOf(findControl(w[1]));
-            if (text != w.value(2)) failWith(QStringLiteral("text is \"%1\"").arg(text));
-        } else if (verb == QStringLiteral("expect-cell")) {
-            need(4);
-            auto* view = grid(w[1]);
-            const int row = rowIndex(view, w[2]);
-            const int col = columnIndex(view, w[3]);
-            const QString text = view->model()->index(row, col).data().toString();
-            if (text != w[4]) failWith(QStringLiteral("cell is \"%1\"").arg(text));
-        } else if (verb == QStringLiteral("expect-rows")) {
-            need(2);
-            QObject* o = findControl(w[1]);
-            int rows = -1;
-            if (auto* v = qobject_cast<QAbstractItemView*>(o)) rows = v->model()->rowCount();
-            if (auto* c = qobject_cast<QComboBox*>(o)) rows = c->count();
-            if (rows < 0) failWith(QStringLiteral("%1 has no rows").arg(w[1]));
-            if (QString::number(rows) != w[2]) failWith(QStringLiteral("%1 rows").arg(rows));
-        } else if (verb == QStringLiteral("expect-enabled")) {
-            need(2);
-            QObject* o = findControl(w[1]);
-            bool enabled = false;
-            if (auto* a = qobject_cast<QAction*>(o)) {
-                enabled = actionUsable(a);
-            } else if (auto* wd = qobject_cast<QWidget*>(o)) {
-                enabled = wd->isEnabled();
-            }
-            if (enabled != yesNo(w[2]))
-                failWith(QStringLiteral("enabled is %1").arg(enabled ? "yes" : "no"));
-        } else if (verb == QStringLiteral("expect-visible")) {
-            need(2);
-            const bool visible = objectVisible(findControl(w[1]));
-            if (visible != yesNo(w[2]))
-                failWith(QStringLiteral("visible is %1").arg(visible ? "yes" : "no"));
-        } else if (verb == QStringLiteral("expect-checked")) {
-            need(2);
-            auto* b = control<QAbstractButton>(w[1], "button");
-            if (b->isChecked() != yesNo(w[2]))
-                failWith(QStringLiteral("checked is %1").arg(b->isChecked() ? "yes" : "no"));
-        } else if (verb == QStringLiteral("sql")) {
-            const QString rest = line.mid(3).trimmed();
-            const QString file = rest.section(' ', 0, 0);
-            const int arrow = rest.indexOf(QStringLiteral("=>"));
-            if (file.isEmpty() || arrow < 0) failWith(QStringLiteral("sql FILE QUERY => EXPECTED"));
-            const QString query = rest.mid(file.size(), arrow - file.size()).trimmed();
-            QString expected = rest.mid(arrow + 2).trimmed();
-            if (expected.size() >= 2 && expected.startsWith('"') && expected.endsWith('"'))
-                expected = expected.mid(1, expected.size() - 2);
-            const QString got = runSql(m_session, file, query);
-            if (got != expected) failWith(QStringLiteral("got \"%1\"").arg(got));
-        } else if (verb == QStringLiteral("close")) {
-            need(1);
-            auto* widget = control<QWidget>(w[1], "window");
-            widget->window()->close();
-        } else {
-            failWith(QStringLiteral("unknown statement"));
-        }
+        if (!verb) failWith(QStringLiteral("unknown statement"));
+        if (words.size() < verb->arguments + 1)
+            failWith(QStringLiteral("%1 needs %2 argument(s)").arg(name).arg(verb->arguments));
+        verb->run({line, words, m_dialogs, m_session});
         settle();
         if (!m_dialogs.failure().isEmpty()) {
             const QString f = m_dialogs.failure();

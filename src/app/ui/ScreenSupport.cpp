@@ -21,4 +21,21 @@ void makeScreenWindow(QWidget* screen, const QString& name, const QString& title
     screen->setAttribute(Qt::WA_DeleteOnClose, true);
 }
 
+void fillItems(QComboBox* combo, const ListItems& items) {
+    combo->clear();
+    combo->addItem(kChoose);
+    for (const auto& item : items) combo->addItem(item.text());
+}
+
+void showItem(QComboBox* combo, const QString& code) {
+    for (int i = 1; i < combo->count(); ++i) {
+        if (itemCode(combo->itemText(i)).compare(code.trimmed(), Qt::CaseInsensitive) ==
+            0) {
+            combo->setCurrentIndex(i);
+            return;
+        }
+    }
+    combo->setCurrentIndex(0);
+}
+
 }  // namespace orve::app

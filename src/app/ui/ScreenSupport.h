@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QComboBox>
 #include <QString>
 #include <QWidget>
 #include <functional>
 
 #include "app/Dialogs.h"
+#include "app/ListItems.h"
 #include "store/Refusal.h"
 
 namespace orve::app {
@@ -27,5 +29,10 @@ void centreOnScreen(QWidget* window);
 
 // Makes a widget a top-level, modeless window of the program, named as the window.
 void makeScreenWindow(QWidget* screen, const QString& name, const QString& title);
+
+// Fills a drop-down list with "Choisir" and "code # label" items.
+void fillItems(QComboBox* combo, const ListItems& items);
+// Shows the item of a code, or "Choisir" when the list has none.
+void showItem(QComboBox* combo, const QString& code);
 
 }  // namespace orve::app

@@ -4,18 +4,16 @@
 #include <QVBoxLayout>
 
 #include "reference/Articles.h"
-#include "reference/ui/ORVE_tiers_bowling.h"
 #include "store/Formats.h"
-#include "store/Refusal.h"
 
 namespace orve::reference {
 
 using Kind = app::GridColumn::Kind;
 
 ORVE_ges_article::ORVE_ges_article(app::Session& session, app::Dialogs& dialogs, QWidget* parent)
-    : PartyScreen(session, dialogs, parent, QStringLiteral("ORVE_ges_article"),
-                  QStringLiteral("Articles à facturer"), QStringLiteral("FICHE D'UN ARTICLE"),
-                  QStringLiteral("cmdvalide"), QStringLiteral("cmdannule")) {
+    : RecordScreen(session, dialogs, parent, QStringLiteral("ORVE_ges_article"),
+                   QStringLiteral("Articles à facturer"), QStringLiteral("FICHE D'UN ARTICLE"),
+                   QStringLiteral("cmdvalide"), QStringLiteral("cmdannule")) {
     setGridCaption(QStringLiteral("Les articles à facturer"));
     grid()->setColumns({{QStringLiteral("Code"), "a_index", Kind::Text},
                         {QStringLiteral("Libellé"), "a_libelle", Kind::Text},
@@ -29,9 +27,9 @@ ORVE_ges_article::ORVE_ges_article(app::Session& session, app::Dialogs& dialogs,
     mainLayout()->insertLayout(2, addLine);
     connect(add, &QPushButton::clicked, this, &ORVE_ges_article::addArticle);
 
-    m_code = readOnlyBox("txt_code", 100);
+    m_code = shows(readOnlyBox("txt_code", 100), "a_index");
     addRow(QStringLiteral("Code article : "), {m_code});
-    m_label = textBox("txt_libelle");
+    m_label = shows(textBox("txt_libelle"), "a_libelle");
     addRow(QStringLiteral("Libellé : "), {m_label});
     m_nature = new QComboBox(card());
     m_nature->setObjectName(QStringLiteral("Combo11"));
@@ -39,11 +37,11 @@ ORVE_ges_article::ORVE_ges_article(app::Session& session, app::Dialogs& dialogs,
     m_nature->setEditable(true);
     m_nature->lineEdit()->setReadOnly(true);
     m_nature->setMinimumWidth(280);
-    m_natureCode = readOnlyBox("txt_naturec", 70);
+    m_natureCode = shows(readOnlyBox("txt_naturec", 70), "a_nature");
     addRow(QStringLiteral("Nature de facturation : "), {m_nature, m_natureCode});
-    m_account = textBox("txt_cpta", 120);
+    m_account = shows(textBox("txt_cpta", 120), "a_cpta");
     addRow(QStringLiteral("Compte comptable : "), {m_account});
-    m_analytic = textBox("txt_analytique", 120);
+    m_analytic = shows(textBox("txt_analytique", 120), "a_analytique");
     addRow(QStringLiteral("Code analytique : "), {m_analytic});
     connect(m_nature, &QComboBox::activated, this, &ORVE_ges_article::chooseNature);
     connect(m_account, &QLineEdit::textEdited, this, [this] { m_account->setModified(true); });
@@ -90,24 +88,17 @@ ORVE_ges_article::ORVE_ges_article(app::Session& session, app::Dialogs& dialogs,
     connect(m_tariffGrid, &app::DataGrid::rowChosen, this, &ORVE_ges_article::chooseTariff);
     mainLayout()->addWidget(m_tariffs);
 
-    fillItems(m_nature, articles::natureItems(viewer()));
+    app::fillItems(m_nature, articles::natureItems(viewer()));
     resize(900, 820);
     start();
 }
 
-store::Rows ORVE_ges_article::loadRows() { return articles::list(store()); }
+store::Query ORVE_ges_article::listing() { return articles::listing(); }
 
 void ORVE_ges_article::afterCancel() { m_tariffs->hide(); }
 
-void ORVE_ges_article::showRecord(const QString& key) {
-    const auto row = articles::find(store(), key);
-    if (!row) throw Refusal(QStringLiteral("L'article %1 n'existe plus.").arg(key));
-    const Card values = cardOf(*row);
-    m_code->setText(values.value("a_index"));
-    m_label->setText(values.value("a_libelle"));
-    m_account->setText(values.value("a_cpta"));
-    m_analytic->setText(values.value("a_analytique"));
-    m_natureCode->setText(values.value("a_nature"));
+void ORVE_ges_article::showRecord(const store::Row& record) {
+    const Card values = cardOf(record);
     m_nature->setEditText(articles::natureDisplay(values.value("a_nature")));
     m_tariffNature = values.value("a_nature");
     cancelTariff();
@@ -172,7 +163,7 @@ void ORVE_ges_article::cancelTariff() {
     m_season->clear();
     m_season->setReadOnly(true);
     m_price->clear();
-    run([&] { m_tariffGrid->setRows(articles::tariffs(store(), key(), m_tariffNature)); });
+    run([&] { m_tariffGrid->setQuery(store(), articles::tariffListing(key(), m_tariffNature)); });
 }
 
 }  // namespace orve::reference

@@ -2,12 +2,12 @@
 
 #include <QComboBox>
 
-#include "reference/ui/PartyScreen.h"
+#include "reference/ui/RecordScreen.h"
 
 namespace orve::reference {
 
 // The invoiceable articles and, under the chosen one, its price per season.
-class ORVE_ges_article : public PartyScreen {
+class ORVE_ges_article : public RecordScreen {
     Q_OBJECT
   public:
     ORVE_ges_article(app::Session& session, app::Dialogs& dialogs, QWidget* parent = nullptr);
@@ -18,8 +18,8 @@ class ORVE_ges_article : public PartyScreen {
     void cancelTariff();
 
   protected:
-    store::Rows loadRows() override;
-    void showRecord(const QString& key) override;
+    store::Query listing() override;
+    void showRecord(const store::Row& record) override;
     void saveRecord() override;
     void afterCancel() override;
 

@@ -3,7 +3,6 @@
 #include <QHBoxLayout>
 
 #include "reference/Natures.h"
-#include "store/Refusal.h"
 
 namespace orve::reference {
 
@@ -14,10 +13,10 @@ const QStringList kYesNo{QStringLiteral("Oui"), QStringLiteral("Non")};
 }
 
 ORVE_ges_naturec::ORVE_ges_naturec(app::Session& session, app::Dialogs& dialogs, QWidget* parent)
-    : PartyScreen(session, dialogs, parent, QStringLiteral("ORVE_ges_naturec"),
-                  QStringLiteral("Gestion des natures de compétition"),
-                  QStringLiteral("Codification d'une Nature de Compétition"),
-                  QStringLiteral("cmdvalide"), QStringLiteral("cmdannule")) {
+    : RecordScreen(session, dialogs, parent, QStringLiteral("ORVE_ges_naturec"),
+                   QStringLiteral("Gestion des natures de compétition"),
+                   QStringLiteral("Codification d'une Nature de Compétition"),
+                   QStringLiteral("cmdvalide"), QStringLiteral("cmdannule")) {
     auto* note =
         new QLabel(QStringLiteral("NATURE DE COMPETITION = CODE ANALYTIQUE 1 DE LA COMPTA"), this);
     note->setObjectName(QStringLiteral("Label1"));
@@ -42,9 +41,9 @@ ORVE_ges_naturec::ORVE_ges_naturec(app::Session& session, app::Dialogs& dialogs,
     connect(add, &QPushButton::clicked, this, &ORVE_ges_naturec::addNature);
     connect(remove, &QPushButton::clicked, this, &ORVE_ges_naturec::deleteNature);
 
-    m_code = textBox("txt_code", 100);
+    m_code = shows(textBox("txt_code", 100), "n_code");
     addRow(QStringLiteral("Code"), {m_code});
-    m_label = textBox("txt_libelle");
+    m_label = shows(textBox("txt_libelle"), "n_libelle");
     addRow(QStringLiteral("Libellé"), {m_label});
     const auto group = [&](const char* frame, const QString& title, const char* option,
                            const QStringList& captions) {
@@ -62,18 +61,14 @@ ORVE_ges_naturec::ORVE_ges_naturec(app::Session& session, app::Dialogs& dialogs,
     start();
 }
 
-store::Rows ORVE_ges_naturec::loadRows() { return natures::list(store()); }
+store::Query ORVE_ges_naturec::listing() { return natures::listing(); }
 
-void ORVE_ges_naturec::showRecord(const QString& key) {
-    const auto row = grid()->rows().at(static_cast<size_t>(grid()->currentRow()));
-    const auto nature = natures::fromRow(row);
-    m_code->setText(nature.code);
+void ORVE_ges_naturec::showRecord(const store::Row& record) {
+    const auto nature = natures::fromRow(record);
     m_code->setReadOnly(true);
-    m_label->setText(nature.label);
     m_fact[nature.onEntries ? 0 : 1]->setChecked(true);
     m_lines[nature.invoiceLines ? 0 : 1]->setChecked(true);
     m_entryFees[nature.invoiceEntryFees ? 0 : 1]->setChecked(true);
-    (void)key;
 }
 
 void ORVE_ges_naturec::addNature() {

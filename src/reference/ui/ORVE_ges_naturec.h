@@ -1,11 +1,11 @@
 #pragma once
 
-#include "reference/ui/PartyScreen.h"
+#include "reference/ui/RecordScreen.h"
 
 namespace orve::reference {
 
 // The natures of competition and how competitions of each are invoiced.
-class ORVE_ges_naturec : public PartyScreen {
+class ORVE_ges_naturec : public RecordScreen {
     Q_OBJECT
   public:
     ORVE_ges_naturec(app::Session& session, app::Dialogs& dialogs, QWidget* parent = nullptr);
@@ -14,8 +14,8 @@ class ORVE_ges_naturec : public PartyScreen {
     void deleteNature();
 
   protected:
-    store::Rows loadRows() override;
-    void showRecord(const QString& key) override;
+    store::Query listing() override;
+    void showRecord(const store::Row& record) override;
     void saveRecord() override;
 
   private:

@@ -5,33 +5,16 @@
 
 #include "reference/Centres.h"
 #include "store/Formats.h"
-#include "store/Refusal.h"
 
 namespace orve::reference {
 
 using Kind = app::GridColumn::Kind;
 
-void fillItems(QComboBox* combo, const ListItems& items) {
-    combo->clear();
-    combo->addItem(kChoose);
-    for (const auto& item : items) combo->addItem(item.text());
-}
-
-void showItem(QComboBox* combo, const QString& code) {
-    for (int i = 1; i < combo->count(); ++i) {
-        if (itemCode(combo->itemText(i)).compare(code.trimmed(), Qt::CaseInsensitive) == 0) {
-            combo->setCurrentIndex(i);
-            return;
-        }
-    }
-    combo->setCurrentIndex(0);
-}
-
 ORVE_tiers_bowling::ORVE_tiers_bowling(app::Session& session, app::Dialogs& dialogs,
                                        QWidget* parent)
-    : PartyScreen(session, dialogs, parent, QStringLiteral("ORVE_tiers_bowling"),
-                  QStringLiteral("Les Centres de bowling"),
-                  QStringLiteral("FICHE D'UN CENTRE DE BOWLING")) {
+    : RecordScreen(session, dialogs, parent, QStringLiteral("ORVE_tiers_bowling"),
+                   QStringLiteral("Les Centres de bowling"),
+                   QStringLiteral("FICHE D'UN CENTRE DE BOWLING")) {
     grid()->setColumns({{QStringLiteral("N° Centre"), "b_compte_tiers", Kind::Text},
                         {QStringLiteral("Ligue"), "b_region", Kind::Text},
                         {QStringLiteral("Dept"), "b_dept", Kind::Text},
@@ -46,10 +29,10 @@ ORVE_tiers_bowling::ORVE_tiers_bowling(app::Session& session, app::Dialogs& dial
                         {QStringLiteral("homologation-tri"), "b_homologation_tri", Kind::Text}});
 
     // Left half: the centre itself.
-    m_number = readOnlyBox("txt_numero", 80);
+    m_number = shows(readOnlyBox("txt_numero", 80), "b_numero");
     addRow(QStringLiteral("Numéro : "), {m_number});
     addRow(QStringLiteral("Nom : "), {boundBox("txt_nom", "b_nom")});
-    m_lanes = textBox("txt_pistes", 60);
+    m_lanes = shows(textBox("txt_pistes", 60), "b_pistes");
     addRow(QStringLiteral("Nbre de pistes : "), {m_lanes});
     auto* surface = new QGroupBox(QStringLiteral("Type"), card());
     surface->setObjectName(QStringLiteral("Frame2"));
@@ -61,7 +44,7 @@ ORVE_tiers_bowling::ORVE_tiers_bowling(app::Session& session, app::Dialogs& dial
     m_surface[1]->setObjectName(QStringLiteral("Option1_1"));
     m_surface[0] = optionGroup(QStringLiteral("Option1"), {QStringLiteral("Bois")}, surface)[0];
     addRow({}, {surface});
-    m_approval = textBox("mskhomologation", 100);
+    m_approval = shows(textBox("mskhomologation", 100), "b_homologation");
     m_approval->setInputMask(QStringLiteral("99/99/9999;_"));
     addRow(QStringLiteral("Date d'homologation : "), {m_approval});
     m_league = new QComboBox(card());
@@ -98,26 +81,20 @@ ORVE_tiers_bowling::ORVE_tiers_bowling(app::Session& session, app::Dialogs& dial
            1);
 
     run([&] {
-        fillItems(m_league, centres::leagueItems(store(), viewer()));
-        fillItems(m_department, centres::departmentItems(store(), viewer()));
+        app::fillItems(m_league, centres::leagueItems(store(), viewer()));
+        app::fillItems(m_department, centres::departmentItems(store(), viewer()));
     });
     resize(1180, 820);
     start();
 }
 
-store::Rows ORVE_tiers_bowling::loadRows() { return centres::list(store(), viewer()); }
+store::Query ORVE_tiers_bowling::listing() { return centres::listing(viewer()); }
 
-void ORVE_tiers_bowling::showRecord(const QString& key) {
-    const auto row = centres::find(store(), key);
-    if (!row) throw Refusal(QStringLiteral("Le centre %1 n'existe plus.").arg(key));
-    const Card values = cardOf(*row);
-    fillBound(values);
-    m_number->setText(values.value("b_numero"));
-    m_lanes->setText(values.value("b_pistes"));
-    m_approval->setText(values.value("b_homologation"));
+void ORVE_tiers_bowling::showRecord(const store::Row& record) {
+    const Card values = cardOf(record);
     m_surface[values.value("b_type") == centres::kSynthetic ? 1 : 0]->setChecked(true);
-    showItem(m_league, values.value("b_region"));
-    showItem(m_department, format::padCode(values.value("b_dept"), 3));
+    app::showItem(m_league, values.value("b_region"));
+    app::showItem(m_department, format::padCode(values.value("b_dept"), 3));
 }
 
 void ORVE_tiers_bowling::saveRecord() {

@@ -2,20 +2,20 @@
 
 #include <QComboBox>
 
-#include "reference/ui/PartyScreen.h"
+#include "reference/ui/RecordScreen.h"
 
 namespace orve::reference {
 
 // The bowling centres: their card, lanes, surface, approval date and invoicing
 // address. The league and department are shown, not changed, here.
-class ORVE_tiers_bowling : public PartyScreen {
+class ORVE_tiers_bowling : public RecordScreen {
     Q_OBJECT
   public:
     ORVE_tiers_bowling(app::Session& session, app::Dialogs& dialogs, QWidget* parent = nullptr);
 
   protected:
-    store::Rows loadRows() override;
-    void showRecord(const QString& key) override;
+    store::Query listing() override;
+    void showRecord(const store::Row& record) override;
     void saveRecord() override;
 
   private:
@@ -26,10 +26,5 @@ class ORVE_tiers_bowling : public PartyScreen {
     QComboBox* m_department;
     std::vector<QRadioButton*> m_surface;  // Option1: wood, synthetic
 };
-
-// Fills a drop-down list with "Choisir" and "code # label" items.
-void fillItems(QComboBox* combo, const ListItems& items);
-// Shows the item of a code, or "Choisir" when the list has none.
-void showItem(QComboBox* combo, const QString& code);
 
 }  // namespace orve::reference

@@ -1,18 +1,16 @@
 #include "reference/ui/ORVE_tiers_club.h"
 
 #include "reference/Clubs.h"
-#include "reference/ui/ORVE_tiers_bowling.h"
 #include "store/Formats.h"
-#include "store/Refusal.h"
 
 namespace orve::reference {
 
 using Kind = app::GridColumn::Kind;
 
 ORVE_tiers_club::ORVE_tiers_club(app::Session& session, app::Dialogs& dialogs, QWidget* parent)
-    : PartyScreen(session, dialogs, parent, QStringLiteral("ORVE_tiers_club"),
-                  QStringLiteral("Les Clubs de Bowling"),
-                  QStringLiteral("FICHE D'UN CLUB DE BOWLING")) {
+    : RecordScreen(session, dialogs, parent, QStringLiteral("ORVE_tiers_club"),
+                   QStringLiteral("Les Clubs de Bowling"),
+                   QStringLiteral("FICHE D'UN CLUB DE BOWLING")) {
     grid()->setColumns({{QStringLiteral("Code de Club"), "club_code", Kind::Text},
                         {QStringLiteral("Compta"), "club_compta", Kind::Text},
                         {QStringLiteral("Ligue"), "club_region", Kind::Text},
@@ -29,18 +27,18 @@ ORVE_tiers_club::ORVE_tiers_club(app::Session& session, app::Dialogs& dialogs, Q
     connect(add, &QPushButton::clicked, this, &ORVE_tiers_club::addClub);
 
     addRow(QStringLiteral("Nom du Club : "), {boundBox("txt_nom", "club_nom")});
-    m_number = textBox("txt_num", 60);
-    m_code = readOnlyBox("txt_code", 100);
+    m_number = shows(textBox("txt_num", 60), "club_num");
+    m_code = shows(readOnlyBox("txt_code", 100), "club_code");
     addRow(QStringLiteral(" Numéro du club : "), {m_number, m_code});
     m_league = new QComboBox(card());
     m_league->setObjectName(QStringLiteral("Combo11"));
-    m_leagueCode = readOnlyBox("txt_region", 90);
+    m_leagueCode = shows(readOnlyBox("txt_region", 90), "club_region");
     addRow(QStringLiteral("Ligue Régionale : "), {m_league, m_leagueCode});
     m_department = new QComboBox(card());
     m_department->setObjectName(QStringLiteral("Combo12"));
-    m_departmentCode = readOnlyBox("txt_dept", 90);
+    m_departmentCode = shows(readOnlyBox("txt_dept", 90), "club_dept");
     addRow(QStringLiteral("Département : "), {m_department, m_departmentCode});
-    m_district = textBox("txt_district", 60);
+    m_district = shows(textBox("txt_district", 60), "club_district");
     addRow(QStringLiteral("       N° District : "), {m_district});
     addRow(QStringLiteral("Nom du Président : "), {boundBox("txt_president", "club_president")});
     addRow(QStringLiteral("Adresse de facturation : "), {boundBox("txt_ad1", "club_ad1")}, 1);
@@ -50,7 +48,7 @@ ORVE_tiers_club::ORVE_tiers_club(app::Session& session, app::Dialogs& dialogs, Q
     addRow({}, {boundBox("txt_cp", "club_cp", 80), boundBox("txt_ville", "club_ville")}, 1);
     addRow(QStringLiteral("2 adresses Mail : "), {boundBox("txt_mail1", "club_mail1")}, 1);
     addRow({}, {boundBox("txt_mail2", "club_mail2")}, 1);
-    m_account = textBox("txt_compta", 100);
+    m_account = shows(textBox("txt_compta", 100), "club_compta");
     addRow(QStringLiteral("Code comptable : "), {m_account}, 1);
 
     connect(m_league, &QComboBox::activated, this, &ORVE_tiers_club::chooseLeague);
@@ -61,14 +59,14 @@ ORVE_tiers_club::ORVE_tiers_club(app::Session& session, app::Dialogs& dialogs, Q
     });
     connect(m_number, &QLineEdit::textEdited, this, &ORVE_tiers_club::showNewKey);
     run([&] {
-        fillItems(m_league, clubs::leagueItems(store(), viewer()));
-        fillItems(m_department, clubs::departmentItems(store(), viewer()));
+        app::fillItems(m_league, clubs::leagueItems(store(), viewer()));
+        app::fillItems(m_department, clubs::departmentItems(store(), viewer()));
     });
     resize(1100, 760);
     start();
 }
 
-store::Rows ORVE_tiers_club::loadRows() { return clubs::list(store(), viewer()); }
+store::Query ORVE_tiers_club::listing() { return clubs::listing(viewer()); }
 
 void ORVE_tiers_club::allowKeyEdit(bool allow) {
     m_number->setReadOnly(!allow);
@@ -76,19 +74,10 @@ void ORVE_tiers_club::allowKeyEdit(bool allow) {
     m_department->setEnabled(allow);
 }
 
-void ORVE_tiers_club::showRecord(const QString& key) {
-    const auto row = clubs::find(store(), key);
-    if (!row) throw Refusal(QStringLiteral("Le club %1 n'existe plus.").arg(key));
-    const Card values = cardOf(*row);
-    fillBound(values);
-    m_code->setText(values.value("club_code"));
-    m_number->setText(values.value("club_num"));
-    m_leagueCode->setText(values.value("club_region"));
-    m_departmentCode->setText(values.value("club_dept"));
-    m_district->setText(values.value("club_district"));
-    m_account->setText(values.value("club_compta"));
-    showItem(m_league, values.value("club_region"));
-    showItem(m_department, format::padCode(values.value("club_dept"), 3));
+void ORVE_tiers_club::showRecord(const store::Row& record) {
+    const Card values = cardOf(record);
+    app::showItem(m_league, values.value("club_region"));
+    app::showItem(m_department, format::padCode(values.value("club_dept"), 3));
     allowKeyEdit(false);
 }
 

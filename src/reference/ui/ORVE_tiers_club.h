@@ -2,13 +2,13 @@
 
 #include <QComboBox>
 
-#include "reference/ui/PartyScreen.h"
+#include "reference/ui/RecordScreen.h"
 
 namespace orve::reference {
 
 // The clubs: their card, and the creation of new clubs whose key is made of
 // the department and the club number.
-class ORVE_tiers_club : public PartyScreen {
+class ORVE_tiers_club : public RecordScreen {
     Q_OBJECT
   public:
     ORVE_tiers_club(app::Session& session, app::Dialogs& dialogs, QWidget* parent = nullptr);
@@ -16,8 +16,8 @@ class ORVE_tiers_club : public PartyScreen {
     void addClub();
 
   protected:
-    store::Rows loadRows() override;
-    void showRecord(const QString& key) override;
+    store::Query listing() override;
+    void showRecord(const store::Row& record) override;
     void saveRecord() override;
 
   private:

@@ -1,16 +1,15 @@
 #include "reference/ui/ORVE_tiers_dept.h"
 
 #include "reference/Committees.h"
-#include "store/Refusal.h"
 
 namespace orve::reference {
 
 using Kind = app::GridColumn::Kind;
 
 ORVE_tiers_dept::ORVE_tiers_dept(app::Session& session, app::Dialogs& dialogs, QWidget* parent)
-    : PartyScreen(session, dialogs, parent, QStringLiteral("ORVE_tiers_dept"),
-                  QStringLiteral("Les Comités Départementaux"),
-                  QStringLiteral("FICHE DU COMITE DEPARTEMENTAL")) {
+    : RecordScreen(session, dialogs, parent, QStringLiteral("ORVE_tiers_dept"),
+                   QStringLiteral("Les Comités Départementaux"),
+                   QStringLiteral("FICHE DU COMITE DEPARTEMENTAL")) {
     grid()->setColumns({{QStringLiteral("N° Dept"), "de_no", Kind::Text},
                         {QStringLiteral("Ligue"), "de_region", Kind::Text},
                         {QStringLiteral("District"), "de_district", Kind::Text},
@@ -30,7 +29,7 @@ ORVE_tiers_dept::ORVE_tiers_dept(app::Session& session, app::Dialogs& dialogs, Q
     addRow({}, {boundBox("txt_de_cp", "de_cp", 80), boundBox("txt_de_ville", "de_ville")});
     addRow(QStringLiteral("Mails du Président du C.D. : "),
            {boundBox("txt_de_mail1", "de_mail1"), boundBox("txt_de_mail2", "de_mail2")});
-    m_league = textBox("txt_lr", 80);
+    m_league = shows(textBox("txt_lr", 80), "de_region");
     m_leagueName = readOnlyBox("txt_lib_lr");
     addRow(QStringLiteral("Ligue régionale : "), {m_league, m_leagueName});
     auto* options = new QWidget(card());
@@ -40,9 +39,9 @@ ORVE_tiers_dept::ORVE_tiers_dept(app::Session& session, app::Dialogs& dialogs, Q
     m_entity = textBox("txt_facturation", 80);
     m_entityName = readOnlyBox("txt_lib_fact");
     addRow(QStringLiteral("Code entité à facturer :  "), {m_entity, m_entityName});
-    m_district = textBox("txt_district", 80);
+    m_district = shows(textBox("txt_district", 80), "de_district");
     addRow(QStringLiteral("District:  "), {m_district});
-    m_account = textBox("txt_compta", 100);
+    m_account = shows(textBox("txt_compta", 100), "de_compta");
     addRow(QStringLiteral("Imputation comptable :  "), {m_account});
 
     // The names follow every keystroke; the message waits until the operator
@@ -69,20 +68,13 @@ ORVE_tiers_dept::ORVE_tiers_dept(app::Session& session, app::Dialogs& dialogs, Q
     start();
 }
 
-store::Rows ORVE_tiers_dept::loadRows() { return committees::list(store(), viewer()); }
+store::Query ORVE_tiers_dept::listing() { return committees::listing(viewer()); }
 
-void ORVE_tiers_dept::showRecord(const QString& key) {
-    const auto row = committees::find(store(), key);
-    if (!row) throw Refusal(QStringLiteral("Le comité %1 n'existe plus.").arg(key));
-    const Card values = cardOf(*row);
-    fillBound(values);
-    const auto entity = committees::splitEntity(values.value("de_facturation"));
+void ORVE_tiers_dept::showRecord(const store::Row& record) {
+    const auto entity = committees::splitEntity(cardOf(record).value("de_facturation"));
     m_entityKind[entity.committee ? 1 : 0]->setChecked(true);
     m_entity->setText(entity.code);
-    m_league->setText(values.value("de_region"));
-    m_district->setText(values.value("de_district"));
-    m_account->setText(values.value("de_compta"));
-    card()->setTitle(committees::cardCaption(*row));
+    card()->setTitle(committees::cardCaption(record));
     lookUpLeague(true);
     lookUpEntity(true);
 }

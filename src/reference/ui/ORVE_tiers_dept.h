@@ -1,19 +1,19 @@
 #pragma once
 
-#include "reference/ui/PartyScreen.h"
+#include "reference/ui/RecordScreen.h"
 
 namespace orve::reference {
 
 // The departmental committees: their card, league, district, account and the
 // entity their invoices go to, looked up as it is typed.
-class ORVE_tiers_dept : public PartyScreen {
+class ORVE_tiers_dept : public RecordScreen {
     Q_OBJECT
   public:
     ORVE_tiers_dept(app::Session& session, app::Dialogs& dialogs, QWidget* parent = nullptr);
 
   protected:
-    store::Rows loadRows() override;
-    void showRecord(const QString& key) override;
+    store::Query listing() override;
+    void showRecord(const store::Row& record) override;
     void saveRecord() override;
 
   private:

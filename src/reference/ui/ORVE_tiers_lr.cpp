@@ -1,16 +1,15 @@
 #include "reference/ui/ORVE_tiers_lr.h"
 
 #include "reference/Leagues.h"
-#include "store/Refusal.h"
 
 namespace orve::reference {
 
 using Kind = app::GridColumn::Kind;
 
 ORVE_tiers_lr::ORVE_tiers_lr(app::Session& session, app::Dialogs& dialogs, QWidget* parent)
-    : PartyScreen(session, dialogs, parent, QStringLiteral("ORVE_tiers_lr"),
-                  QStringLiteral("Les Ligues Régionales"),
-                  QStringLiteral("FICHE DE LA LIGUE REGIONALE")) {
+    : RecordScreen(session, dialogs, parent, QStringLiteral("ORVE_tiers_lr"),
+                   QStringLiteral("Les Ligues Régionales"),
+                   QStringLiteral("FICHE DE LA LIGUE REGIONALE")) {
     setGridCaption(QStringLiteral("Les Ligues Régionales"));
     grid()->setColumns({{QStringLiteral("N° Ligue"), "re_code", Kind::Text},
                         {QStringLiteral("A Facturer"), "re_fact", Kind::Text},
@@ -40,14 +39,11 @@ ORVE_tiers_lr::ORVE_tiers_lr(app::Session& session, app::Dialogs& dialogs, QWidg
     start();
 }
 
-store::Rows ORVE_tiers_lr::loadRows() { return leagues::list(store()); }
+store::Query ORVE_tiers_lr::listing() { return leagues::listing(); }
 
-void ORVE_tiers_lr::showRecord(const QString& key) {
-    const auto row = leagues::find(store(), key);
-    if (!row) throw Refusal(QStringLiteral("La ligue %1 n'existe plus.").arg(key));
-    fillBound(cardOf(*row));
+void ORVE_tiers_lr::showRecord(const store::Row& record) {
     const bool league =
-        leagues::invoicingOf(row->value("re_fact").toString()) == leagues::Invoicing::League;
+        leagues::invoicingOf(record.value("re_fact").toString()) == leagues::Invoicing::League;
     m_invoicing[league ? 0 : 1]->setChecked(true);
 }
 

@@ -1,18 +1,18 @@
 #pragma once
 
-#include "reference/ui/PartyScreen.h"
+#include "reference/ui/RecordScreen.h"
 
 namespace orve::reference {
 
 // The regional leagues: their card, their CSR and to whom they are invoiced.
-class ORVE_tiers_lr : public PartyScreen {
+class ORVE_tiers_lr : public RecordScreen {
     Q_OBJECT
   public:
     ORVE_tiers_lr(app::Session& session, app::Dialogs& dialogs, QWidget* parent = nullptr);
 
   protected:
-    store::Rows loadRows() override;
-    void showRecord(const QString& key) override;
+    store::Query listing() override;
+    void showRecord(const store::Row& record) override;
     void saveRecord() override;
 
   private:

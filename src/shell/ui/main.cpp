@@ -97,7 +97,8 @@ int main(int argc, char** argv) {
     app.setDialogs(&dialogs);
     std::unique_ptr<Session> session;
     try {
-        session = orve::shell::openSession(programFolder, clock);
+        session = orve::shell::openSession(
+            programFolder, clock, [&](const QString& question) { return dialogs.askPassword(question); });
     } catch (const std::exception& e) {
         dialogs.inform(orve::describeError(e));
         return 1;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDataWidgetMapper>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -22,14 +23,16 @@ namespace orve::reference {
 // The record pattern every reference window follows: a grid of the table, a
 // card (`Frame1`) hidden until a row is chosen, `CmdValide` writes the card and
 // then does what `CmdAnnule` does: hide the card and show the stored data again.
+// The card shows the chosen row of the grid's own model, so choosing a row
+// reads nothing more; writing goes through the window's rule.
 // A window adds its columns, its card boxes and its one rule per handler.
-class PartyScreen : public QWidget {
+class RecordScreen : public QWidget {
     Q_OBJECT
   public:
-    PartyScreen(app::Session& session, app::Dialogs& dialogs, QWidget* parent, const QString& name,
-                const QString& title, const QString& cardTitle,
-                const QString& validateName = QStringLiteral("CmdValide"),
-                const QString& cancelName = QStringLiteral("CmdAnnule"));
+    RecordScreen(app::Session& session, app::Dialogs& dialogs, QWidget* parent, const QString& name,
+                 const QString& title, const QString& cardTitle,
+                 const QString& validateName = QStringLiteral("CmdValide"),
+                 const QString& cancelName = QStringLiteral("CmdAnnule"));
 
     // The pattern's three moves, also used by the subclasses.
     void chooseRow(int row);
@@ -52,10 +55,13 @@ class PartyScreen : public QWidget {
 
     // Puts a caption above the grid.
     void setGridCaption(const QString& caption);
-    // A text box named as the control; a bound one is filled from and read into
-    // its column of the card.
+    // A text box named as the control.
     QLineEdit* textBox(const QString& name, int width = 0);
+    // A box that shows its column of the chosen row and is read back into the
+    // card that is written.
     QLineEdit* boundBox(const QString& name, const QString& column, int width = 0);
+    // A box that shows its column of the chosen row; the window reads it itself.
+    QLineEdit* shows(QLineEdit* box, const QString& column);
     QLineEdit* readOnlyBox(const QString& name, int width = 0);
     // One line of the card: a label and its controls, in the given card column
     // (0 or 1) so that long cards fit in two halves.
@@ -67,19 +73,20 @@ class PartyScreen : public QWidget {
 
     // Puts every box back at the start of its text.
     void showStarts();
-    void fillBound(const Card& card);
     Card readBound() const;
     void clearBound();
 
     // What each window does.
-    virtual store::Rows loadRows() = 0;
-    virtual void showRecord(const QString& key) = 0;
+    // The rows of the grid: the rule's listing, filtered and ordered in SQL.
+    virtual store::Query listing() = 0;
+    // What the boxes bound to columns do not show: options, lists, captions.
+    virtual void showRecord(const store::Row& record) = 0;
     virtual void saveRecord() = 0;
     // Called after the card is hidden and the grid reloaded.
     virtual void afterCancel() {}
 
-    // Builds the buttons row of the card and fills the grid; last step of a
-    // subclass constructor.
+    // Binds the card to the grid's rows, builds the buttons row of the card
+    // and fills the grid; last step of a subclass constructor.
     void start();
     // Runs a handler; a refusal or an error becomes a message. False when shown.
     template <typename F>
@@ -88,9 +95,13 @@ class PartyScreen : public QWidget {
     }
 
   private:
+    // The listing the first time, then read again as far as it had been read.
+    void showListing();
+
     app::Session& m_session;
     app::Dialogs& m_dialogs;
     app::DataGrid* m_grid;
+    QDataWidgetMapper* m_mapper;
     QLabel* m_gridCaption = nullptr;
     QGroupBox* m_card;
     QGridLayout* m_form;
@@ -99,7 +110,8 @@ class PartyScreen : public QWidget {
     QPushButton* m_validate;
     QPushButton* m_cancel;
     int m_nextRow[2] = {0, 0};
-    std::vector<std::pair<QLineEdit*, QString>> m_bound;
+    std::vector<std::pair<QLineEdit*, QString>> m_bound;  // read back into the card
+    std::vector<std::pair<QLineEdit*, QString>> m_shown;  // filled from the chosen row
     std::vector<QWidget*> m_extraButtons;
     QString m_key;
     bool m_adding = false;

@@ -1,18 +1,33 @@
-#include "reference/ui/PartyScreen.h"
+#include "reference/ui/RecordScreen.h"
 
 #include <QComboBox>
 #include <QFont>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QItemDelegate>
 #include <QVBoxLayout>
 
 #include "app/ui/ScreenSupport.h"
 
 namespace orve::reference {
 
-PartyScreen::PartyScreen(app::Session& session, app::Dialogs& dialogs, QWidget* parent,
-                         const QString& name, const QString& title, const QString& cardTitle,
-                         const QString& validateName, const QString& cancelName)
+namespace {
+
+// The card only shows the row: its boxes keep their own keys (Tab, Escape,
+// Enter), and nothing typed goes back into the grid's rows.
+class ShowingDelegate : public QItemDelegate {
+  public:
+    using QItemDelegate::QItemDelegate;
+
+  protected:
+    bool eventFilter(QObject*, QEvent*) override { return false; }
+};
+
+}  // namespace
+
+RecordScreen::RecordScreen(app::Session& session, app::Dialogs& dialogs, QWidget* parent,
+                           const QString& name, const QString& title, const QString& cardTitle,
+                           const QString& validateName, const QString& cancelName)
     : QWidget(parent), m_session(session), m_dialogs(dialogs) {
     app::makeScreenWindow(this, name, title);
     m_main = new QVBoxLayout(this);
@@ -20,6 +35,10 @@ PartyScreen::PartyScreen(app::Session& session, app::Dialogs& dialogs, QWidget* 
     m_grid->setMinimumHeight(160);
     m_grid->horizontalHeader()->setStretchLastSection(true);
     m_main->addWidget(m_grid, 1);
+    m_mapper = new QDataWidgetMapper(this);
+    m_mapper->setSubmitPolicy(QDataWidgetMapper::ManualSubmit);
+    m_mapper->setItemDelegate(new ShowingDelegate(m_mapper));
+    m_mapper->setModel(m_grid->storeModel());
     m_card = new QGroupBox(cardTitle, this);
     m_card->setObjectName(QStringLiteral("Frame1"));
     QFont bold = m_card->font();
@@ -37,12 +56,17 @@ PartyScreen::PartyScreen(app::Session& session, app::Dialogs& dialogs, QWidget* 
     m_validate->setObjectName(validateName);
     m_cancel = new QPushButton(QStringLiteral("Annuler"), m_card);
     m_cancel->setObjectName(cancelName);
-    connect(m_grid, &app::DataGrid::rowChosen, this, &PartyScreen::chooseRow);
-    connect(m_validate, &QPushButton::clicked, this, &PartyScreen::validate);
-    connect(m_cancel, &QPushButton::clicked, this, &PartyScreen::cancel);
+    connect(m_grid, &app::DataGrid::rowChosen, this, &RecordScreen::chooseRow);
+    connect(m_grid, &app::DataGrid::loadFailed, this,
+            [this](const QString& message) { m_dialogs.inform(message); });
+    connect(m_validate, &QPushButton::clicked, this, &RecordScreen::validate);
+    connect(m_cancel, &QPushButton::clicked, this, &RecordScreen::cancel);
 }
 
-void PartyScreen::start() {
+void RecordScreen::start() {
+    // Mapped once the grid has its columns, so that each box finds its field.
+    for (const auto& [box, column] : m_shown)
+        m_mapper->addMapping(box, m_grid->storeModel()->section(column));
     m_buttons->addStretch(1);
     m_buttons->addWidget(m_validate);
     m_buttons->addWidget(m_cancel);
@@ -66,35 +90,44 @@ void PartyScreen::start() {
     cancel();
 }
 
-void PartyScreen::chooseRow(int row) {
-    const QString key = m_grid->value(row, m_grid->fieldOf(0)).toString();
+void RecordScreen::chooseRow(int row) {
+    const store::Row record = m_grid->record(row);
+    const QString key = record.value(m_grid->fieldOf(0)).toString();
     run([&] {
         m_adding = false;
         m_key = key;
-        showRecord(key);
+        m_mapper->setCurrentIndex(row);
+        showRecord(record);
         showStarts();
         m_card->show();
     });
 }
 
-void PartyScreen::validate() {
+void RecordScreen::validate() {
     if (run([&] { saveRecord(); })) cancel();
 }
 
-void PartyScreen::cancel() {
+void RecordScreen::cancel() {
     m_card->hide();
     m_adding = false;
     m_key.clear();
-    run([&] { m_grid->setRows(loadRows()); });
+    run([&] { showListing(); });
     afterCancel();
 }
 
-void PartyScreen::showStarts() {
+void RecordScreen::showListing() {
+    if (m_grid->storeModel()->hasQuery())
+        m_grid->reload();
+    else
+        m_grid->setQuery(store(), listing());
+}
+
+void RecordScreen::showStarts() {
     // A long value shows its beginning, not its end, like a name or a mail.
     for (QLineEdit* box : findChildren<QLineEdit*>()) box->setCursorPosition(0);
 }
 
-void PartyScreen::setGridCaption(const QString& caption) {
+void RecordScreen::setGridCaption(const QString& caption) {
     if (!m_gridCaption) {
         m_gridCaption = new QLabel(this);
         m_gridCaption->setObjectName(m_grid->objectName() + QStringLiteral("_caption"));
@@ -107,20 +140,25 @@ void PartyScreen::setGridCaption(const QString& caption) {
     m_gridCaption->setText(caption);
 }
 
-QLineEdit* PartyScreen::textBox(const QString& name, int width) {
+QLineEdit* RecordScreen::textBox(const QString& name, int width) {
     auto* box = new QLineEdit(m_card);
     box->setObjectName(name);
     if (width > 0) box->setFixedWidth(width);
     return box;
 }
 
-QLineEdit* PartyScreen::boundBox(const QString& name, const QString& column, int width) {
-    QLineEdit* box = textBox(name, width);
+QLineEdit* RecordScreen::boundBox(const QString& name, const QString& column, int width) {
+    QLineEdit* box = shows(textBox(name, width), column);
     m_bound.emplace_back(box, column);
     return box;
 }
 
-QLineEdit* PartyScreen::readOnlyBox(const QString& name, int width) {
+QLineEdit* RecordScreen::shows(QLineEdit* box, const QString& column) {
+    m_shown.emplace_back(box, column);
+    return box;
+}
+
+QLineEdit* RecordScreen::readOnlyBox(const QString& name, int width) {
     QLineEdit* box = textBox(name, width);
     box->setReadOnly(true);
     box->setFocusPolicy(Qt::NoFocus);
@@ -130,8 +168,8 @@ QLineEdit* PartyScreen::readOnlyBox(const QString& name, int width) {
     return box;
 }
 
-void PartyScreen::addRow(const QString& label, std::initializer_list<QWidget*> controls,
-                         int column) {
+void RecordScreen::addRow(const QString& label, std::initializer_list<QWidget*> controls,
+                          int column) {
     const int row = m_nextRow[column]++;
     // A card in two halves shares the width; a card in one takes it all.
     if (column == 1) m_form->setColumnStretch(3, 1);
@@ -149,9 +187,9 @@ void PartyScreen::addRow(const QString& label, std::initializer_list<QWidget*> c
     m_form->addLayout(line, row, column * 2 + 1);
 }
 
-std::vector<QRadioButton*> PartyScreen::optionGroup(const QString& name,
-                                                    const QStringList& captions,
-                                                    QWidget* container) {
+std::vector<QRadioButton*> RecordScreen::optionGroup(const QString& name,
+                                                     const QStringList& captions,
+                                                     QWidget* container) {
     auto* layout = container->layout() ? container->layout() : new QHBoxLayout(container);
     std::vector<QRadioButton*> buttons;
     for (int i = 0; i < captions.size(); ++i) {
@@ -166,24 +204,20 @@ std::vector<QRadioButton*> PartyScreen::optionGroup(const QString& name,
     return buttons;
 }
 
-QPushButton* PartyScreen::button(const QString& name, const QString& caption) {
+QPushButton* RecordScreen::button(const QString& name, const QString& caption) {
     auto* b = new QPushButton(caption, this);
     b->setObjectName(name);
     m_extraButtons.push_back(b);
     return b;
 }
 
-void PartyScreen::fillBound(const Card& card) {
-    for (auto& [box, column] : m_bound) box->setText(card.value(column));
-}
-
-Card PartyScreen::readBound() const {
+Card RecordScreen::readBound() const {
     Card card;
     for (const auto& [box, column] : m_bound) card.insert(column, box->text());
     return card;
 }
 
-void PartyScreen::clearBound() {
+void RecordScreen::clearBound() {
     for (auto& [box, column] : m_bound) box->clear();
 }
 
