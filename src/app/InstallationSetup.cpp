@@ -35,7 +35,8 @@ void createInstallation(const QString& dir, const NewInstallation& values, const
     if (root.exists(kBasePathFile))
         throw Refusal(QStringLiteral("Le dossier %1 contient déjà une installation (%2).")
                           .arg(QDir::toNativeSeparators(root.absolutePath()), kBasePathFile));
-    if (!root.mkpath(QStringLiteral("donnees")) || !root.mkpath(QStringLiteral("factures")))
+    if ((base.trimmed().isEmpty() && !root.mkpath(QStringLiteral("donnees"))) ||
+        !root.mkpath(QStringLiteral("factures")))
         throw StoreError(QStringLiteral("Impossible de créer les dossiers dans %1.")
                              .arg(QDir::toNativeSeparators(root.absolutePath())));
     std::unique_ptr<store::Store> store;

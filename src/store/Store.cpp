@@ -66,6 +66,7 @@ QString serverSchema(File f) {
 }
 
 const QString kSearchPath = QStringLiteral("SET search_path TO jkv, facture, tiers, mail, public");
+const QString kQuietNotices = QStringLiteral("SET client_min_messages TO warning");
 
 // SQLite's CAST(x AS INTEGER) takes the leading number of any text; the
 // server's would refuse a text that is not one. orve_int() does what SQLite does.
@@ -343,6 +344,8 @@ void Store::connect(const PasswordPrompt& askPassword) {
                              .arg(m_address.display(), describeEngineError(error, true)));
     }
     QSqlQuery q(db);
+    // The server's notices ("already exists, skipping") are not for the operator.
+    if (!q.exec(kQuietNotices)) fail(kQuietNotices, q.lastError());
     if (!q.exec(kSearchPath)) fail(kSearchPath, q.lastError());
 }
 
@@ -365,6 +368,11 @@ void Store::prepareServer(bool creating) {
         const QString dir = QStringLiteral(":/schema/postgres/%1").arg(schema);
         const QStringList scripts =
             QDir(dir).entryList({QStringLiteral("*.sql")}, QDir::Files, QDir::Name);
+        // Most starts find the schema up to date: no lock, no schema statement.
+        if (!creating && !scripts.isEmpty() &&
+            exists(QStringLiteral("SELECT 1 FROM %1.orve_version HAVING max(version) >= ?").arg(schema),
+                   {scripts.last().section('_', 0, 0).toInt()}))
+            continue;
         Transaction tx(*this);
         // Two workstations starting at once upgrade the schema one after the other.
         lockSeries(QStringLiteral("orve-schema"));
@@ -536,6 +544,7 @@ QSqlQuery Store::run(const QString& sql, const Params& params) const {
                                  .arg(m_address.display(),
                                       describeEngineError(db.lastError(), true)));
         QSqlQuery path(db);
+        path.exec(kQuietNotices);
         path.exec(kSearchPath);
         m_lost = false;
     }
