@@ -13,13 +13,14 @@
 #include <cstdio>
 #include <vector>
 
-#include "shell/Composition.h"
-#include "shell/DemoData.h"
 #include "app/Session.h"
 #include "app/SignIn.h"
 #include "app/Startup.h"
-#include "invoicing/InvoiceDocument.h"
+#include "invoicing/DocumentSettings.h"
+#include "invoicing/InvoiceFiles.h"
 #include "invoicing/InvoiceRecords.h"
+#include "shell/Composition.h"
+#include "shell/DemoData.h"
 #include "store/Formats.h"
 
 using namespace orve;

@@ -1,7 +1,8 @@
 #include <QDir>
 
 #include "app/BatchCommands.h"
-#include "invoicing/InvoiceDocument.h"
+#include "invoicing/DocumentSettings.h"
+#include "invoicing/InvoiceFiles.h"
 #include "invoicing/InvoicingBatch.h"
 #include "store/Refusal.h"
 

@@ -5,10 +5,15 @@
 #include <QGuiApplication>
 #include <QRegularExpression>
 #include <QTextDocumentFragment>
+#include <algorithm>
+#include <tuple>
 
 #include "app/Session.h"
 #include "invoicing/InvoiceDocument.h"
+#include "invoicing/InvoiceFiles.h"
+#include "invoicing/InvoiceLayout.h"
 #include "invoicing/InvoiceRecords.h"
+#include "invoicing/PrinterLookup.h"
 #include "store/Refusal.h"
 #include "support/TestInstall.h"
 
@@ -52,6 +57,16 @@ class PdfText {
         m_pages = page;
     }
     int pages() const { return m_pages; }
+    // Every word that is exactly `text`, top to bottom of each page.
+    std::vector<const Word*> findAll(const QString& text) const {
+        std::vector<const Word*> out;
+        for (const auto& w : m_words)
+            if (w.text == text) out.push_back(&w);
+        std::sort(out.begin(), out.end(), [](const Word* a, const Word* b) {
+            return std::tie(a->page, a->y0) < std::tie(b->page, b->y0);
+        });
+        return out;
+    }
     // The first word that is exactly `text`, from `page` on.
     const Word* find(const QString& text, int page = 1) const {
         for (const auto& w : m_words)
@@ -120,6 +135,13 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
                                         {"c_edt_fact", "NON"},
                                         {"c_envoi_mail", "O"},
                                         {"c_add_tiers", "O"}});
+    // A pseudo-competition carrying the same number is not a competition invoiced.
+    f.store().insert("strcompetition", {{"c_index", "8FA00097"},
+                                        {"c_facture", "X"},
+                                        {"c_num_facture", kClubInvoice},
+                                        {"c_edt_fact", "NON"},
+                                        {"c_envoi_mail", "O"},
+                                        {"c_add_tiers", "O"}});
     f.store().exec("UPDATE strentete SET ent_fact_edt = 'N', ent_montant = 0 WHERE ent_fact_no = ?",
                    {kClubInvoice});
     QDir(f.settings.invoiceFolder).removeRecursively();  // made again when missing
@@ -137,6 +159,12 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     EXPECT_EQ(comp->value("c_edt_fact").toString(), "OUI");
     EXPECT_EQ(comp->value("c_add_tiers").toString(), "N");
     EXPECT_EQ(comp->value("c_envoi_mail").toString(), "N");
+    const auto pseudo =
+        f.store().selectOne("SELECT * FROM strcompetition WHERE c_index = '8FA00097'");
+    EXPECT_EQ(pseudo->value("c_facture").toString(), "X");
+    EXPECT_EQ(pseudo->value("c_edt_fact").toString(), "NON");
+    EXPECT_EQ(pseudo->value("c_add_tiers").toString(), "O");
+    EXPECT_EQ(pseudo->value("c_envoi_mail").toString(), "O");
 
     PdfText pdf(path);
     EXPECT_EQ(pdf.pages(), 1);
@@ -266,8 +294,15 @@ TEST(InvoiceDocument, ClientBlockDependsOnPartyAndOperator) {
 
 TEST(InvoiceDocument, CreditNotes) {
     Fixture f;
-    // A credit note printed on its own reads as one.
+    // A credit note printed on its own reads as one, with its own due date
+    // under the terms and on the slip.
+    f.store().exec("UPDATE strentete SET ent_fact_echeance = '05/01/2027' WHERE ent_fact_no = ?",
+                   {kCreditNote});
     PdfText single(generateInvoicePdf(f.store(), f.settings, kCreditNote));
+    const auto dueDates = single.findAll("échéance");
+    ASSERT_EQ(dueDates.size(), 2u);
+    EXPECT_EQ(single.lineOf(*dueDates[0], 0, 7000), "Date échéance : 05/01/2027");
+    EXPECT_EQ(single.lineOf(*dueDates[1], 7800), "Date échéance : 05/01/2027");
     EXPECT_EQ(single.lineOf(*single.find("AVOIR")), "AVOIR N° BOW2026000004 du 21/11/2026");
     EXPECT_TRUE(single.all().contains("Avoir N° : 2026000004"));
     EXPECT_FALSE(single.find("Acompte"));
@@ -308,6 +343,27 @@ TEST(InvoiceDocument, LongInvoiceContinuesWithHeadsRepeated) {
     EXPECT_EQ(sum, 60);
     EXPECT_GE(pages.back(), 1);
     EXPECT_EQ(paginateLines(3, 5000), std::vector<int>{3});
+    // Heads at 5000: 21 rows fit above the totals, 32 on a full page. Rows
+    // that overflow fill the first page but leave at least five to stand
+    // above the totals; a short overflow leaves all but one.
+    EXPECT_EQ(paginateLines(21, 5000), std::vector<int>{21});
+    EXPECT_EQ(paginateLines(22, 5000), (std::vector<int>{17, 5}));
+    EXPECT_EQ(paginateLines(37, 5000), (std::vector<int>{32, 5}));
+    EXPECT_EQ(paginateLines(38, 5000), (std::vector<int>{32, 6}));
+    EXPECT_EQ(paginateLines(3, 11000), (std::vector<int>{1, 2}));
+
+    // As printed: twenty rows, just too many for one page, leave five.
+    f.store().exec(
+        "DELETE FROM strfacture WHERE f_num_facture = ? AND CAST(f_num_lig AS INTEGER) > 20",
+        {paddedInvoiceNumber(kLongInvoice)});
+    PdfText twenty(generateInvoicePdf(f.store(), f.settings, kLongInvoice));
+    ASSERT_EQ(twenty.pages(), 2);
+    EXPECT_EQ(twenty.count("équipe"), 20);
+    int secondPage = 0;
+    for (const Word* w : twenty.findAll("équipe")) secondPage += w->page == 2;
+    EXPECT_EQ(secondPage, 5);
+    EXPECT_TRUE(twenty.all(2).contains("équipe 16 "));
+    EXPECT_TRUE(twenty.all(2).contains("Net à Payer"));
 }
 
 TEST(InvoiceDocument, RefusalsNamesAndPrinterLookup) {

@@ -7,6 +7,9 @@
 #include <QUrl>
 
 #include "app/Session.h"
+#include "invoicing/InvoiceFiles.h"
+#include "invoicing/InvoiceLayout.h"
+#include "invoicing/PrinterLookup.h"
 #include "store/Refusal.h"
 
 namespace orve::invoicing {

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "invoicing/DocumentSettings.h"
 #include "invoicing/InvoiceDocument.h"
 
 namespace orve::app {

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QString>
+
+namespace orve::app {
+class Session;
+}
+
+// What an invoice document takes from the installation and the operator
+// rather than from the invoice: the letterhead of orve.ini, the invoice
+// folder, and who is signed in.
+namespace orve::invoicing {
+
+// Installation data printed on every document, from orve.ini.
+struct Letterhead {
+    QString name = QStringLiteral("FEDERATION KVARN");
+    QString address;
+    QString telephone;
+    QString fax;
+    QString registration;
+    QString bank;
+    QString iban;
+    QString bic;
+    QString logo = QStringLiteral(":/images/logo.png");
+    QString background = QStringLiteral(":/images/papier_facture.jpg");
+    QString printer;       // also send each document made from a screen to it; "" for none
+    bool openPdf = false;  // open each document made from a screen in the PDF viewer
+    static Letterhead fromSettings(const QString& iniPath);
+    // Address, telephone, fax and registration joined on one line.
+    QString footerLine() const;
+};
+
+// Everything the layout needs besides the invoice itself.
+struct DocumentSettings {
+    QString invoiceFolder;
+    Letterhead letterhead;
+    QString operatorLogin;   // "" when nobody is signed in (a batch without --as)
+    QString operatorLeague;  // the operator's entity code (par_region)
+    // Below the national level the documents are printed on the league paper.
+    bool nationalLetterhead() const { return operatorLeague == QStringLiteral("JKV"); }
+    // A committee operator: login or entity code beginning "CD".
+    bool committeeOperator() const;
+};
+DocumentSettings documentSettings(const app::Session& session);
+
+}  // namespace orve::invoicing
