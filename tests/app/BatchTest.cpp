@@ -24,6 +24,10 @@ TEST(Batch, InitUserSigninAndBackupFromAShell) {
               0)
         << err.toStdString();
     EXPECT_TRUE(out.contains("installation créée")) << out.toStdString();
+    // Addresses and amounts: the data files are for their owner only.
+    for (const QString& name : QDir(home + "/donnees").entryList({"bow_*.db"}, QDir::Files))
+        EXPECT_EQ(QFile::permissions(home + "/donnees/" + name) & 0x0077, 0)
+            << name.toStdString();
     // A second init on the same folder is refused, not silently redone.
     EXPECT_EQ(
         runProgram(kBatch, {"init", home, "--code", "X", "--name", "Y"}, "", &out, &err, kToday),
