@@ -422,37 +422,32 @@ QStringList Store::tables(File f) const {
     return out;
 }
 
-QStringList Store::columns(const QString& table) const {
-    const auto it = m_tableFiles.find(table.toLower());
-    const File f = it == m_tableFiles.end() ? File::Jkv : it->second;
-    QStringList out;
-    const Rows rows =
-        postgres()
-            ? select(QStringLiteral("SELECT column_name FROM information_schema.columns WHERE "
-                                    "table_schema = ? AND table_name = ? ORDER BY ordinal_position"),
-                     {serverSchema(f), table})
-            : select(QStringLiteral("SELECT name FROM pragma_table_info(?, ?)"),
-                     {table, f == File::Tri ? QStringLiteral("main") : schemaName(f)});
-    for (const auto& r : rows)
-        if (r.value(0).toString() != QStringLiteral("rowid")) out << r.value(0).toString();
-    return out;
-}
+QStringList Store::columns(const QString& table) const { return columnsOf(table, false); }
 
 QStringList Store::wholeNumberColumns(const QString& table) const {
+    return columnsOf(table, true);
+}
+
+QStringList Store::columnsOf(const QString& table, bool wholeNumbersOnly) const {
     const auto it = m_tableFiles.find(table.toLower());
     const File f = it == m_tableFiles.end() ? File::Jkv : it->second;
     QStringList out;
     const Rows rows =
         postgres()
-            ? select(QStringLiteral("SELECT column_name FROM information_schema.columns WHERE "
-                                    "table_schema = ? AND table_name = ? AND data_type = 'bigint' "
+            ? select(QStringLiteral("SELECT column_name, data_type FROM information_schema.columns "
+                                    "WHERE table_schema = ? AND table_name = ? "
                                     "ORDER BY ordinal_position"),
                      {serverSchema(f), table})
-            : select(QStringLiteral("SELECT name FROM pragma_table_info(?, ?) WHERE upper(type) = "
-                                    "'INTEGER'"),
+            : select(QStringLiteral("SELECT name, type FROM pragma_table_info(?, ?)"),
                      {table, f == File::Tri ? QStringLiteral("main") : schemaName(f)});
-    for (const auto& r : rows)
-        if (r.value(0).toString() != QStringLiteral("rowid")) out << r.value(0).toString();
+    for (const auto& r : rows) {
+        const QString name = r.value(0).toString();
+        const QString type = r.value(1).toString().toLower();
+        if (name == QStringLiteral("rowid")) continue;
+        if (wholeNumbersOnly && type != QStringLiteral("bigint") && type != QStringLiteral("integer"))
+            continue;
+        out << name;
+    }
     return out;
 }
 

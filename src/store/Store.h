@@ -110,6 +110,7 @@ class Store {
     QString dialect(const QString& sql) const;
     bool connectionLost() const;
     void learnTables();
+    QStringList columnsOf(const QString& table, bool wholeNumbersOnly) const;
     QStringList lockedFiles() const;
     // Only through Transaction, so that no rule can leave one open.
     void begin();
