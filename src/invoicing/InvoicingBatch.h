@@ -7,4 +7,8 @@ namespace orve::invoicing {
 // orve-batch pdf NUMBER… and orve-batch pdf --credit-notes FIRST LAST.
 void registerInvoicingBatchCommands(app::BatchRegistry& registry);
 
+// orve-batch factures-essai NOMBRE: invoices of three lines made through the
+// invoice rules, to try the numbering from several workstations at once.
+void registerInvoiceLoadCommand(app::BatchRegistry& registry);
+
 }  // namespace orve::invoicing

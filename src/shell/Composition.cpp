@@ -36,6 +36,7 @@ void registerBatchCommands(app::BatchRegistry& registry) {
     app::registerAppBatchCommands(registry);
     registry.add({QStringLiteral("init-demo"), kInitDemoUsage, initDemo});
     invoicing::registerInvoicingBatchCommands(registry);
+    invoicing::registerInvoiceLoadCommand(registry);
 }
 
 }  // namespace orve::shell

@@ -301,6 +301,13 @@ std::unique_ptr<Store> Store::openScratch(const QString& folder) {
     try {
         prepareFile(folder, File::Tri);
     } catch (const StoreError&) {
+        // Only a file that is not a database at all is replaced: a busy one
+        // belongs to work in hand and must be left alone.
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly) ||
+            file.read(16) == QByteArray("SQLite format 3", 16))
+            throw;
+        file.close();
         QFile::remove(path);
         QFile::remove(path + QStringLiteral("-wal"));
         QFile::remove(path + QStringLiteral("-shm"));
@@ -491,6 +498,14 @@ void Store::fail(const QString& sql, const QSqlError& error) const {
         // The server has rolled back whatever was in hand; the next action
         // opens a new connection.
         m_lost = true;
+        // Lost while the server was committing, the operation may or may not
+        // have been kept: say so rather than promise either.
+        if (sql.trimmed().compare(QStringLiteral("COMMIT"), Qt::CaseInsensitive) == 0)
+            throw StoreError(QStringLiteral("La connexion au serveur de la base partagée %1 a été "
+                                            "perdue pendant l'enregistrement : vérifiez si "
+                                            "l'opération a été enregistrée avant de la refaire. "
+                                            "[%2]")
+                                 .arg(m_address.display(), format::echoed(error.text().trimmed())));
         throw StoreError(QStringLiteral("La connexion au serveur de la base partagée %1 est "
                                         "perdue : l'opération en cours est annulée, rien n'en a "
                                         "été enregistré. Réessayez dans un instant : ORVE se "
@@ -528,34 +543,68 @@ void Store::fail(const QString& sql, const QSqlError& error) const {
 
 QString Store::dialect(const QString& sql) const { return postgres() ? serverDialect(sql) : sql; }
 
+namespace {
+
+// Statements that change nothing by themselves: sent again to a new
+// connection, they cannot do twice what was done once.
+bool repeatable(const QString& sql) {
+    const QString verb = sql.trimmed().section(' ', 0, 0).toLower();
+    return verb == QStringLiteral("select") || verb == QStringLiteral("begin") ||
+           verb == QStringLiteral("set");
+}
+
+bool execute(QSqlQuery& q, const QString& text, const Params& params) {
+    q.setForwardOnly(true);
+    // Nothing to bind: run as it stands (the server cannot prepare BEGIN,
+    // SAVEPOINT or a schema statement).
+    if (params.empty()) return q.exec(text);
+    if (!q.prepare(text)) return false;
+    for (const auto& p : params) q.addBindValue(p);
+    return q.exec();
+}
+
+}  // namespace
+
 QSqlQuery Store::run(const QString& sql, const Params& params) const {
-    if (m_lost) {
-        if (m_depth > 0) fail(sql, QSqlError());
-        // A new connection for the next action after a lost one.
+    // A new connection for the next action after a lost one.
+    const auto reconnect = [this] {
         QSqlDatabase db = database();
         db.close();
         if (!db.open())
-            throw StoreError(QStringLiteral("La base partagée %1 ne répond pas : %2")
-                                 .arg(m_address.display(),
-                                      describeEngineError(db.lastError(), true)));
+            throw StoreError(
+                QStringLiteral("La base partagée %1 ne répond pas : %2")
+                    .arg(m_address.display(), describeEngineError(db.lastError(), true)));
         QSqlQuery path(db);
         path.exec(kQuietNotices);
         path.exec(kSearchPath);
         m_lost = false;
+    };
+    if (m_lost) {
+        if (m_depth > 0) fail(sql, QSqlError());
+        reconnect();
     }
     const QString text = dialect(sql);
     QSqlQuery q(database());
-    q.setForwardOnly(true);
-    if (params.empty()) {
-        // Nothing to bind: run as it stands (the server cannot prepare BEGIN,
-        // SAVEPOINT or a schema statement).
-        if (!q.exec(text)) fail(sql, q.lastError());
-        return q;
+    if (execute(q, text, params)) return q;
+    // A server restarted while nothing was in hand (overnight, say) has cut a
+    // connection that held no operation of ours: a statement that changes
+    // nothing simply goes to a new one, and the operator sees nothing. A write
+    // outside a transaction is not sent again (the server may have done it
+    // before the connection dropped), nor anything inside a transaction or a
+    // snapshot, whose earlier statements went with the old connection.
+    if (postgres() && m_depth == 0 && repeatable(sql) && lostConnectionText(q.lastError().text())) {
+        const QSqlError lost = q.lastError();
+        q = QSqlQuery();
+        try {
+            reconnect();
+        } catch (const StoreError&) {
+            fail(sql, lost);  // still down: said as a lost connection
+        }
+        QSqlQuery again(database());
+        if (execute(again, text, params)) return again;
+        fail(sql, again.lastError());
     }
-    if (!q.prepare(text)) fail(sql, q.lastError());
-    for (const auto& p : params) q.addBindValue(p);
-    if (!q.exec()) fail(sql, q.lastError());
-    return q;
+    fail(sql, q.lastError());
 }
 
 Rows Store::fetchAll(QSqlQuery& q, const QString& sql) const {
@@ -726,14 +775,19 @@ void Transaction::commit() {
 
 Snapshot::Snapshot(const Store& store) : m_store(store), m_own(store.m_depth == 0) {
     // Inside a transaction the connection already reads one state of the data.
-    if (m_own)
-        m_store.exec(m_store.postgres()
+    if (!m_own) return;
+    m_store.exec(m_store.postgres()
                      ? QStringLiteral("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY")
                      : QStringLiteral("BEGIN"));
+    // Counted as an operation in hand: reads that follow a lost connection
+    // fail, rather than go on from a new connection outside the moment.
+    ++const_cast<Store&>(m_store).m_depth;
 }
 
 Snapshot::~Snapshot() {
     if (!m_own) return;
+    --const_cast<Store&>(m_store).m_depth;
+    if (m_store.m_lost) return;  // the server has ended it already
     QSqlQuery q(m_store.database());
     q.exec(QStringLiteral("COMMIT"));
 }

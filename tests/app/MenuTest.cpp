@@ -12,12 +12,12 @@ using namespace orve;
 using namespace orve::app;
 
 namespace {
-QApplication& application() {
+// Never destroyed: at exit Qt Sql's own statics are already gone.
+void application() {
     static int argc = 1;
-    static char name[] = "test";
+    static char name[] = "test_app";
     static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
-    return app;
+    if (!qApp) new QApplication(argc, argv);
 }
 }  // namespace
 
