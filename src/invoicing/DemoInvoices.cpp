@@ -1,5 +1,6 @@
 #include "invoicing/DemoInvoices.h"
 
+#include "invoicing/CreditNotes.h"
 #include "invoicing/InvoiceRecords.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
@@ -129,12 +130,8 @@ void createDemoInvoices(store::Store& s, const QDate& today) {
     fill(s, leagueNumber,
          {article(s, QStringLiteral("00000010"), 1), article(s, QStringLiteral("00000012"), 40)});
 
-    // The committee's invoice is cancelled by a credit note.
-    InvoiceHeader credit = header(s, kMiscIndex, today, committee(s, QStringLiteral("013")), none);
-    credit.type = kCreditNoteType;
-    const QString creditNumber = createInvoice(s, credit, today);
-    removeLine(s, creditNumber, QStringLiteral("01"));
-    copyLines(s, miscNumber, creditNumber, -1, today);
+    // The committee's invoice is cancelled by a credit note that names it.
+    issueCreditNotes(s, {miscNumber}, today);
 
     // A regional day with one line per team: two pages.
     const InvoiceParty lr44 = league(s, QStringLiteral("LR44"));

@@ -24,6 +24,14 @@ InvoiceDocumentData fromHeader(const store::Store& store, const store::Row& h) {
     d.number = field(h, "ent_fact_no").trimmed();
     d.creditNote = field(h, "ent_fact_type").trimmed() == kCreditNoteType;
     d.date = field(h, "ent_fact_date").trimmed();
+    d.cancelledNumber = field(h, "ent_fact_origine").trimmed();
+    if (!d.cancelledNumber.isEmpty())
+        d.cancelledDate =
+            store
+                .scalar(QStringLiteral("SELECT ent_fact_date FROM strentete WHERE ent_fact_no = ?"),
+                        {d.cancelledNumber})
+                .toString()
+                .trimmed();
     d.dueDate = field(h, "ent_fact_echeance").trimmed();
     d.account = field(h, "ent_tiers_fact").trimmed();
     d.entity = field(h, "ent_fact_entite").trimmed();

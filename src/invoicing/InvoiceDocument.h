@@ -18,6 +18,8 @@ namespace orve::invoicing {
 struct InvoiceDocumentData {
     QString number;  // ent_fact_no
     bool creditNote = false;
+    // The invoice a credit note cancels, and that invoice's date.
+    QString cancelledNumber, cancelledDate;
     QString date, dueDate;
     QString account, entity;  // ent_tiers_fact, ent_fact_entite
     QStringList billed;       // name, president, address lines, postcode and town

@@ -20,6 +20,9 @@ constexpr int kPageWidth = 11906;
 constexpr int kPageHeight = 16838;
 constexpr int kLogoX = 500, kLogoY = 500, kLogoWidth = 2700;
 constexpr int kTitleX = 6000, kTitleY = 600;
+// The invoice a credit note cancels, under its title and well above the
+// address blocks.
+constexpr int kCancelledY = 1050;
 constexpr int kBlocksY = 2500;
 constexpr int kBilledX = 300;
 constexpr int kClientX = 5400;
@@ -49,9 +52,10 @@ const QColor kBlue(0, 0, 255);
 const QColor kBlack(0, 0, 0);
 
 // Font sizes along the page.
-constexpr int kTitleSize = 12, kClientSize = 11, kBilledSize = 12, kCompetitionSize = 10,
-              kHeadSize = 10, kRowSize = 10, kTotalsSize = 12, kTermsSize = 10, kNoticeSize = 8,
-              kSlipSize = 10, kFooterNameSize = 14, kFooterSize = 12;
+constexpr int kTitleSize = 12, kCancelledSize = 11, kClientSize = 11, kBilledSize = 12,
+              kCompetitionSize = 10, kHeadSize = 10, kRowSize = 10, kTotalsSize = 12,
+              kTermsSize = 10, kNoticeSize = 8, kSlipSize = 10, kFooterNameSize = 14,
+              kFooterSize = 12;
 
 // The metric twin of Times New Roman where it is installed; Times New Roman itself elsewhere.
 QString fontFamily() {
@@ -178,6 +182,15 @@ void paintBackgroundAndTitle(Page& page, const InvoiceDocumentData& doc,
     page.text(kTitleX, kTitleY,
               (doc.creditNote ? QStringLiteral("AVOIR N° BOW") : QStringLiteral("FACTURE N° BOW")) +
                   doc.number + QStringLiteral(" du ") + doc.date);
+    if (doc.creditNote && !doc.cancelledNumber.isEmpty()) {
+        page.font(kCancelledSize);
+        page.textWithin(
+            kTitleX, kCancelledY,
+            QStringLiteral("Avoir sur facture N° BOW") + doc.cancelledNumber +
+                (doc.cancelledDate.isEmpty() ? QString()
+                                             : QStringLiteral(" du ") + doc.cancelledDate),
+            kPageWidth - kTitleX - 300);
+    }
 }
 
 void paintFooter(Page& page, const DocumentSettings& s) {

@@ -4,7 +4,7 @@
 
 namespace orve::invoicing {
 
-// orve-batch pdf NUMBER… and orve-batch pdf --credit-notes FIRST LAST.
+// orve-batch pdf NUMBER…, pdf --credit-notes FIRST LAST, and avoir NUMBER….
 void registerInvoicingBatchCommands(app::BatchRegistry& registry);
 
 // orve-batch factures-essai NOMBRE: invoices of three lines made through the

@@ -1,6 +1,7 @@
 #include <QDir>
 
 #include "app/BatchCommands.h"
+#include "invoicing/CreditNotes.h"
 #include "invoicing/DocumentSettings.h"
 #include "invoicing/InvoiceFiles.h"
 #include "invoicing/InvoicingBatch.h"
@@ -36,10 +37,37 @@ int pdf(app::BatchContext& c) {
     return 0;
 }
 
+const QString kCreditNoteUsage = QStringLiteral("avoir NUMERO...");
+
+// What the invoice screen's credit-note button does for the invoices ticked:
+// the same rule and refusals; with no operator to agree to leave some out, a
+// list with any refusal writes nothing.
+int creditNotes(app::BatchContext& c) {
+    const QStringList numbers = c.positional();
+    if (numbers.isEmpty())
+        throw Refusal(
+            QStringLiteral("Argument manquant. Usage : orve-batch %1").arg(kCreditNoteUsage));
+    app::Session& session = c.session();
+    const auto issued =
+        issueCreditNotes(session.store(), {numbers.begin(), numbers.end()}, session.today(),
+                         [&c](const IssuedCreditNote& note, int, int) {
+                             // Printed as each is committed: a later failure
+                             // leaves these made, and the output says so.
+                             c.out() << "avoir N° " << note.creditNote << " : facture N° "
+                                     << note.invoice << " annulée\n";
+                             c.out().flush();
+                             return true;
+                         });
+    c.out() << issued.size() << " avoir(s) généré(s)\n";
+    return 0;
+}
+
 }  // namespace
 
 void registerInvoicingBatchCommands(app::BatchRegistry& r) {
     r.add({QStringLiteral("pdf"), kUsage + QStringLiteral(" [--as LOGIN]"), pdf});
+    r.add(
+        {QStringLiteral("avoir"), kCreditNoteUsage + QStringLiteral(" [--as LOGIN]"), creditNotes});
 }
 
 }  // namespace orve::invoicing

@@ -1,0 +1,263 @@
+#include "invoicing/InvoiceParties.h"
+
+#include <optional>
+
+#include "reference/Centres.h"
+#include "reference/Clubs.h"
+#include "reference/Committees.h"
+#include "reference/Leagues.h"
+#include "reference/ReferenceCodes.h"
+#include "store/Condition.h"
+#include "store/Refusal.h"
+
+namespace orve::invoicing {
+
+using app::ListItem;
+using app::ListItems;
+using reference::formatNumber;
+using reference::Viewer;
+using store::Store;
+
+namespace {
+
+QString text(const store::Row& r, const char* column) {
+    return r.value(QLatin1String(column)).toString().trimmed();
+}
+
+// Two parts of one address line; a blank part leaves no stray separator.
+QString joined(const QString& a, const QString& separator, const QString& b) {
+    if (a.isEmpty()) return b;
+    if (b.isEmpty()) return a;
+    return a + separator + b;
+}
+
+ListItems items(const store::Rows& rows, const char* code, const char* label) {
+    ListItems out;
+    out.reserve(rows.size());
+    for (const auto& r : rows) out.push_back({text(r, code), text(r, label)});
+    return out;
+}
+
+// A LIKE pattern that finds the typed text as it stands: its own "%" and "_"
+// are not wildcards.
+QString literalPattern(const QString& typed) {
+    QString out;
+    for (const QChar c : typed) {
+        if (c == QChar('!') || c == QChar('%') || c == QChar('_')) out += QChar('!');
+        out += c;
+    }
+    return out;
+}
+
+QString refusedInvoice(const QString& invoiceNumber, const QString& what) {
+    return QStringLiteral("Impossible d'éditer la facture ") + invoiceNumber.trimmed() + what;
+}
+
+// The committee as itself: its own address, filed under "CD" + its number.
+InvoiceParty committeeItself(const store::Row& r) {
+    InvoiceParty p;
+    p.account = QStringLiteral("CD") + text(r, "de_no");
+    p.name = QStringLiteral("C.D. ") + text(r, "de_lib");
+    p.president = joined(text(r, "de_president_int"), QStringLiteral(" "), text(r, "de_president"));
+    p.address1 = text(r, "de_ad1");
+    p.address2 = text(r, "de_ad2");
+    p.address3 = text(r, "de_ad3");
+    p.address4 = text(r, "de_ad4");
+    p.postcodeTown = joined(text(r, "de_cp"), QStringLiteral(" - "), text(r, "de_ville"));
+    p.mail1 = text(r, "de_mail1");
+    p.mail2 = text(r, "de_mail2");
+    return p;
+}
+
+std::optional<store::Row> committeeRow(const Store& store, const QString& number) {
+    return store.selectOne(QStringLiteral("SELECT * FROM strdept WHERE de_no = ?"), {number});
+}
+
+}  // namespace
+
+ListItems leagueItems(Store& store, const Viewer& viewer) {
+    // A league user invoices from its own league, a committee user from its
+    // committee's: the same leagues their club cards offer.
+    return reference::clubs::leagueItems(store, viewer);
+}
+
+ListItems committeeItems(Store& store, const Viewer& viewer) {
+    return items(reference::committees::list(store, viewer), "de_no", "de_lib");
+}
+
+ListItems clubItems(Store& store, const Viewer& viewer, const QString& department) {
+    const store::Query query{
+        QStringLiteral("SELECT club_code, club_nom FROM strclub"),
+        reference::visibilityFilter(viewer, reference::clubs::visibility()) &&
+            store::Condition(QStringLiteral("club_dept = ?"), {formatNumber(department, 3)}),
+        QStringLiteral("club_nom, club_code")};
+    return items(store.select(query), "club_code", "club_nom");
+}
+
+ListItems centreItems(Store& store, const Viewer& viewer, const QString& department) {
+    const store::Query query{
+        QStringLiteral("SELECT b_compte_tiers, b_ville FROM strbowling"),
+        reference::visibilityFilter(viewer, reference::centres::visibility()) &&
+            store::Condition(QStringLiteral("b_dept = ?"), {formatNumber(department, 3)}),
+        QStringLiteral("b_ville, b_compte_tiers")};
+    return items(store.select(query), "b_compte_tiers", "b_ville");
+}
+
+ListItems licenseeItems(const Store& store, const QString& typed) {
+    QString name = typed.trimmed();
+    const bool beginsWith = name.startsWith(QChar('%'));
+    if (beginsWith) name = name.mid(1);
+    const QString pattern =
+        (beginsWith ? QString() : QStringLiteral("%")) + literalPattern(name) + QStringLiteral("%");
+    ListItems out;
+    for (const auto& r : store.select(
+             QStringLiteral("SELECT l_an, l_num, l_nom, l_prenom FROM strlicence WHERE l_nom LIKE "
+                            "? ESCAPE '!' ORDER BY l_nom, l_prenom, l_an, l_num"),
+             {pattern}))
+        out.push_back({text(r, "l_an") + QChar('-') + text(r, "l_num"),
+                       joined(text(r, "l_nom"), QStringLiteral(" "), text(r, "l_prenom"))});
+    return out;
+}
+
+QString nameFirstText(const ListItem& item) {
+    return item.label + QStringLiteral(" # ") + item.code;
+}
+
+QString nameFirstKey(const QString& itemText) {
+    if (itemText == app::kChoose) return {};
+    const int hash = itemText.lastIndexOf(QChar('#'));
+    return (hash < 0 ? itemText : itemText.mid(hash + 1)).trimmed();
+}
+
+InvoiceParty leagueParty(const Store& store, const QString& code, AddressBlock block) {
+    const auto r = store.selectOne(QStringLiteral("SELECT * FROM strregion WHERE re_code = ?"),
+                                   {code.trimmed()});
+    if (!r) throw Refusal(QStringLiteral("La ligue %1 n'existe pas.").arg(code.trimmed()));
+    InvoiceParty p;
+    p.account = text(*r, "re_code");
+    p.name = QStringLiteral("L.R. ") + text(*r, "re_lib");
+    // A league that asked to be invoiced at its CSR gets its invoices there
+    // (a CSR without a name is no address: the president's line stays).
+    const bool csr = block == AddressBlock::Billing &&
+                     reference::leagues::invoicingOf(text(*r, "re_fact")) ==
+                         reference::leagues::Invoicing::Csr &&
+                     !text(*r, "re_csr_nom").isEmpty();
+    p.president =
+        csr ? QStringLiteral("C.S.R. ") + text(*r, "re_csr_int") + QStringLiteral(" ") +
+                  text(*r, "re_csr_nom")
+            : joined(text(*r, "re_president_int"), QStringLiteral(" "), text(*r, "re_president"));
+    p.address1 = text(*r, "re_ad1");
+    p.address2 = text(*r, "re_ad2");
+    p.address3 = text(*r, "re_ad3");
+    p.address4 = text(*r, "re_ad4");
+    p.postcodeTown = joined(text(*r, "re_cp"), QStringLiteral(" - "), text(*r, "re_ville"));
+    p.mail1 = text(*r, "re_mail1");
+    p.mail2 = text(*r, "re_mail2");
+    return p;
+}
+
+InvoiceParty committeeParty(const Store& store, const QString& number, AddressBlock block,
+                            const QString& invoiceNumber) {
+    const QString no = formatNumber(number, 3);
+    const auto r = committeeRow(store, no);
+    if (!r)
+        throw Refusal(
+            refusedInvoice(invoiceNumber, QStringLiteral(" - veuillez créer le dept : ") + no));
+    if (block == AddressBlock::OnBehalfOf) return committeeItself(*r);
+    const QString entity = text(*r, "de_facturation").toUpper();
+    if (entity.isEmpty())
+        throw Refusal(
+            refusedInvoice(invoiceNumber, QStringLiteral(" - compléter le dept : ") + no));
+    if (entity.startsWith(QStringLiteral("CD"))) {
+        const QString other = formatNumber(entity.mid(2), 3);
+        if (other == no) return committeeItself(*r);
+        const auto o = committeeRow(store, other);
+        if (!o)
+            throw Refusal(refusedInvoice(invoiceNumber,
+                                         QStringLiteral(" - veuillez créer le dept : ") + other));
+        return committeeItself(*o);
+    }
+    // Through its league: the code named, or the committee's own league for a bare "LR".
+    const QString league = entity == QStringLiteral("LR") ? text(*r, "de_region") : entity;
+    if (!store.exists(QStringLiteral("SELECT 1 FROM strregion WHERE re_code = ?"), {league}))
+        throw Refusal(refusedInvoice(invoiceNumber,
+                                     QStringLiteral(" - veuillez créer la region : ") + league));
+    return leagueParty(store, league, AddressBlock::Billing);
+}
+
+InvoiceParty clubParty(const Store& store, const QString& code) {
+    const auto r = store.selectOne(QStringLiteral("SELECT * FROM strclub WHERE club_code = ?"),
+                                   {code.trimmed()});
+    if (!r) throw Refusal(QStringLiteral("Le club %1 n'existe pas.").arg(code.trimmed()));
+    InvoiceParty p;
+    p.account = text(*r, "club_code");
+    p.name = text(*r, "club_nom");
+    p.president = text(*r, "club_president");
+    p.address1 = text(*r, "club_ad1");
+    p.address2 = text(*r, "club_ad2");
+    p.address3 = text(*r, "club_ad3");
+    p.address4 = text(*r, "club_ad4");
+    p.postcodeTown = joined(text(*r, "club_cp"), QStringLiteral(" - "), text(*r, "club_ville"));
+    p.mail1 = text(*r, "club_mail1");
+    p.mail2 = text(*r, "club_mail2");
+    return p;
+}
+
+InvoiceParty centreParty(const Store& store, const QString& account) {
+    const auto r = store.selectOne(
+        QStringLiteral("SELECT * FROM strbowling WHERE b_compte_tiers = ?"), {account.trimmed()});
+    if (!r)
+        throw Refusal(
+            QStringLiteral("Le centre de bowling %1 n'existe pas.").arg(account.trimmed()));
+    InvoiceParty p;
+    p.account = text(*r, "b_compte_tiers");
+    p.name = QStringLiteral("BOWLING de :") + QStringLiteral(" ") + text(*r, "b_ville");
+    p.address1 = text(*r, "b_ad1");
+    p.address2 = text(*r, "b_ad2");
+    p.address3 = text(*r, "b_ad3");
+    p.postcodeTown = joined(text(*r, "b_cp"), QStringLiteral("-"), text(*r, "b_ville"));
+    p.mail1 = text(*r, "b_mail1");
+    p.mail2 = text(*r, "b_mail2");
+    return p;
+}
+
+InvoiceParty licenseeParty(const Store& store, const QString& key) {
+    const QString k = key.trimmed();
+    const int dash = k.indexOf(QChar('-'));
+    const auto r = dash < 0 ? std::nullopt
+                            : store.selectOne(QStringLiteral("SELECT * FROM strlicence WHERE "
+                                                             "l_an = ? AND l_num = ?"),
+                                              {k.left(dash), k.mid(dash + 1)});
+    if (!r) throw Refusal(QStringLiteral("Le licencié %1 n'existe pas.").arg(k));
+    InvoiceParty p;
+    p.entity = QStringLiteral("LIC") + text(*r, "l_num");
+    p.name = joined(text(*r, "l_nom"), QStringLiteral(" "), text(*r, "l_prenom"));
+    p.address1 = text(*r, "l_ad1");
+    p.address2 = text(*r, "l_ad2");
+    p.address3 = text(*r, "l_ad3");
+    p.postcodeTown = joined(text(*r, "l_cp"), QStringLiteral(" "), text(*r, "l_ville"));
+    p.mail1 = text(*r, "l_mail");
+    return p;
+}
+
+InvoiceParty otherParty(const QStringList& lines, const QString& mail1, const QString& mail2) {
+    auto line = [&](int i) { return i < lines.size() ? lines[i].trimmed() : QString(); };
+    InvoiceParty p;
+    p.entity = kOtherEntity;
+    p.name = line(0);
+    p.president = line(1);
+    p.address1 = line(2);
+    p.address2 = line(3);
+    p.address3 = line(4);
+    p.address4 = line(5);
+    p.postcodeTown = line(6);
+    p.mail1 = mail1.trimmed();
+    p.mail2 = mail2.trimmed();
+    return p;
+}
+
+InvoiceParty onBehalfOf(const InvoiceParty& billed, const InvoiceParty& chosen) {
+    return chosen.isChosen() ? chosen : billed;
+}
+
+}  // namespace orve::invoicing
