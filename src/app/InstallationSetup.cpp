@@ -71,8 +71,8 @@ Migration migrateInstallation(const QString& dir, const QString& target) {
     if (store::StoreAddress::isServerAddress(written)) {
         const auto address = store::StoreAddress::parse(written);
         if (from.shared() && address.display() == from.display())
-            throw Refusal(QStringLiteral("L'installation utilise déjà la base %1.")
-                              .arg(address.display()));
+            throw Refusal(
+                QStringLiteral("L'installation utilise déjà la base %1.").arg(address.display()));
         copy = store::Store::create(address, home);
     } else {
         const QString folder = resolveFolder(home, written);

@@ -65,9 +65,10 @@ std::unique_ptr<Session> startSession(const QString& programFolder, const Clock&
     // A shared store keeps this workstation's scratch file in the program folder.
     const QString dataFolder = address.shared() ? programFolder : address.folder;
     if (!QFileInfo(dataFolder).isDir()) {
-        throw Refusal(QStringLiteral("Le dossier des données « %1 », indiqué par %2, n'existe pas. "
-                                     "Corrigez %2 ou créez ce dossier.")
-                          .arg(format::echoed(QDir::toNativeSeparators(dataFolder)), kBasePathFile));
+        throw Refusal(
+            QStringLiteral("Le dossier des données « %1 », indiqué par %2, n'existe pas. "
+                           "Corrigez %2 ou créez ce dossier.")
+                .arg(format::echoed(QDir::toNativeSeparators(dataFolder)), kBasePathFile));
     }
     auto store = store::Store::open(address, dataFolder, askPassword);
     const auto row = store->selectOne(

@@ -111,7 +111,8 @@ SelectionCondition buildSelectionCondition(const SelectionState& s) {
     const qint64 number = format::leadingNumber(s.invoiceNumber);
     if (number > 0) c.invoiceNumber = QString::number(number);
 
-    if (c.monthKey != kNoMonth) c.lines &= {QStringLiteral("substr(f_tri_date, 1, 6) = ?"), {c.monthKey}};
+    if (c.monthKey != kNoMonth)
+        c.lines &= {QStringLiteral("substr(f_tri_date, 1, 6) = ?"), {c.monthKey}};
     if (!c.invoiceNumber.isEmpty())
         c.lines &= {QStringLiteral("f_num_facture = ?"), {paddedInvoiceNumber(c.invoiceNumber)}};
 

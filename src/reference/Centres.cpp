@@ -41,7 +41,9 @@ store::Query listing(const Viewer& viewer) {
             QStringLiteral("b_compte_tiers")};
 }
 
-store::Rows list(store::Store& store, const Viewer& viewer) { return store.select(listing(viewer)); }
+store::Rows list(store::Store& store, const Viewer& viewer) {
+    return store.select(listing(viewer));
+}
 
 std::optional<store::Row> find(store::Store& store, const QString& key) {
     return store.selectOne(QStringLiteral("select * from strbowling where b_compte_tiers = ?"),

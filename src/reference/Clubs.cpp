@@ -22,7 +22,9 @@ store::Query listing(const Viewer& viewer) {
             QStringLiteral("club_code")};
 }
 
-store::Rows list(store::Store& store, const Viewer& viewer) { return store.select(listing(viewer)); }
+store::Rows list(store::Store& store, const Viewer& viewer) {
+    return store.select(listing(viewer));
+}
 
 std::optional<store::Row> find(store::Store& store, const QString& code) {
     return store.selectOne(QStringLiteral("select * from strclub where club_code = ?"), {code});

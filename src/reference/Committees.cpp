@@ -23,7 +23,9 @@ store::Query listing(const Viewer& viewer) {
             QStringLiteral("de_no")};
 }
 
-store::Rows list(store::Store& store, const Viewer& viewer) { return store.select(listing(viewer)); }
+store::Rows list(store::Store& store, const Viewer& viewer) {
+    return store.select(listing(viewer));
+}
 
 std::optional<store::Row> find(store::Store& store, const QString& number) {
     return store.selectOne(QStringLiteral("select * from strdept where de_no = ?"),

@@ -43,10 +43,10 @@ int save(store::Store& store, const Nature& nature, bool adding) {
         throw Refusal(
             QStringLiteral("La nature %1 n'existe plus : rien n'a été enregistré.").arg(code));
     }
-    const int rewritten = store.exec(
-        QStringLiteral("update strcompetition set c_nat_fact = ?, c_fact_ligne = ?, "
-                       "c_fact_engagement = ? where c_nature = ?"),
-        {fact, flag(nature.invoiceLines), flag(nature.invoiceEntryFees), code});
+    const int rewritten =
+        store.exec(QStringLiteral("update strcompetition set c_nat_fact = ?, c_fact_ligne = ?, "
+                                  "c_fact_engagement = ? where c_nature = ?"),
+                   {fact, flag(nature.invoiceLines), flag(nature.invoiceEntryFees), code});
     tx.commit();
     return rewritten;
 }

@@ -42,6 +42,6 @@ int main(int argc, char** argv) {
     const auto open = [](const QString& folder, const orve::Clock& clock) {
         return orve::shell::openSession(folder, clock);
     };
-    return orve::app::runBatch(registry, open, args,
-                               QCoreApplication::applicationDirPath(), out, err);
+    return orve::app::runBatch(registry, open, args, QCoreApplication::applicationDirPath(), out,
+                               err);
 }

@@ -10,7 +10,7 @@ namespace orve::store {
 // (who may see a party, the selection panel, a report's choices) is one of
 // these, so filters combine with && and always reach the store bound.
 class Condition {
-public:
+  public:
     Condition() = default;
     Condition(QString sql, Params params = {});  // NOLINT: a plain condition reads naturally
 
@@ -27,7 +27,7 @@ public:
     // The same, with the leading keyword of the caller's choice (" AND ", say).
     QString after(const QString& keyword) const;
 
-private:
+  private:
     QString m_sql;
     Params m_params;
 };

@@ -55,15 +55,13 @@ QString tableOf(const QString& sql) {
 // A statement run while preparing or opening one file, where that file is
 // known whatever the statement says.
 [[noreturn]] void failIn(const QString& path, const QString& sql, const QSqlError& error) {
-    throw StoreError(QStringLiteral("Erreur de la base de données %1 (%2) : %3")
-                         .arg(QDir::toNativeSeparators(path), operationOf(sql),
-                              describeEngineError(error)));
+    throw StoreError(
+        QStringLiteral("Erreur de la base de données %1 (%2) : %3")
+            .arg(QDir::toNativeSeparators(path), operationOf(sql), describeEngineError(error)));
 }
 
 // The schema of a shared store on the server ("jkv" rather than SQLite's "main").
-QString serverSchema(File f) {
-    return f == File::Jkv ? QStringLiteral("jkv") : schemaName(f);
-}
+QString serverSchema(File f) { return f == File::Jkv ? QStringLiteral("jkv") : schemaName(f); }
 
 const QString kSearchPath = QStringLiteral("SET search_path TO jkv, facture, tiers, mail, public");
 const QString kQuietNotices = QStringLiteral("SET client_min_messages TO warning");
@@ -238,8 +236,8 @@ std::unique_ptr<Store> Store::create(const QString& dataFolder) {
 std::unique_ptr<Store> Store::open(const StoreAddress& address, const QString& scratchFolder,
                                    const PasswordPrompt& askPassword) {
     if (address.shared()) {
-        std::unique_ptr<Store> store(new Store(address, scratchFolder,
-                                               nextConnectionName(QStringLiteral("server"))));
+        std::unique_ptr<Store> store(
+            new Store(address, scratchFolder, nextConnectionName(QStringLiteral("server"))));
         store->connect(askPassword);
         store->prepareServer(false);
         store->learnTables();
@@ -255,10 +253,10 @@ std::unique_ptr<Store> Store::open(const StoreAddress& address, const QString& s
     for (File f : sharedFiles()) {
         const QFileInfo file(QDir(dataFolder).filePath(fileName(f)));
         if (!file.isFile() || file.size() == 0)
-            throw StoreError(QStringLiteral("Le fichier de données %1 est introuvable (ou vide) "
-                                            "dans %2. Restaurez-le depuis une sauvegarde.")
-                                 .arg(fileName(f),
-                                      format::echoed(QDir::toNativeSeparators(dataFolder))));
+            throw StoreError(
+                QStringLiteral("Le fichier de données %1 est introuvable (ou vide) "
+                               "dans %2. Restaurez-le depuis une sauvegarde.")
+                    .arg(fileName(f), format::echoed(QDir::toNativeSeparators(dataFolder))));
     }
     for (File f : sharedFiles()) prepareFile(dataFolder, f);
     const QString name = nextConnectionName(QStringLiteral("store"));
@@ -269,8 +267,8 @@ std::unique_ptr<Store> Store::open(const StoreAddress& address, const QString& s
         if (f == File::Jkv) continue;
         const QString path = QDir(dataFolder).filePath(fileName(f));
         // The schema name is ours, the path is bound.
-        runIn(store->database(), path,
-              QStringLiteral("ATTACH DATABASE ? AS %1").arg(schemaName(f)), {path});
+        runIn(store->database(), path, QStringLiteral("ATTACH DATABASE ? AS %1").arg(schemaName(f)),
+              {path});
     }
     store->learnTables();
     store->m_scratch = openScratch(scratchFolder);
@@ -304,8 +302,7 @@ std::unique_ptr<Store> Store::openScratch(const QString& folder) {
         // Only a file that is not a database at all is replaced: a busy one
         // belongs to work in hand and must be left alone.
         QFile file(path);
-        if (!file.open(QIODevice::ReadOnly) ||
-            file.read(16) == QByteArray("SQLite format 3", 16))
+        if (!file.open(QIODevice::ReadOnly) || file.read(16) == QByteArray("SQLite format 3", 16))
             throw;
         file.close();
         QFile::remove(path);
@@ -316,8 +313,8 @@ std::unique_ptr<Store> Store::openScratch(const QString& folder) {
     const QString name = nextConnectionName(QStringLiteral("scratch"));
     openConnection(path, name);
     std::unique_ptr<Store> store(new Store(StoreAddress::ofFolder(folder), folder, name));
-    for (const auto& r : store->select(
-             QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))
+    for (const auto& r :
+         store->select(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'")))
         store->m_tableFiles.emplace(r.value(0).toString().toLower(), File::Tri);
     return store;
 }
@@ -325,8 +322,9 @@ std::unique_ptr<Store> Store::openScratch(const QString& folder) {
 void Store::connect(const PasswordPrompt& askPassword) {
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), m_connection);
     if (!db.isValid())
-        throw StoreError(QStringLiteral("Le pilote PostgreSQL de Qt n'est pas installé sur ce "
-                                        "poste (paquet libqt6sql6-psql)."));
+        throw StoreError(
+            QStringLiteral("Le pilote PostgreSQL de Qt n'est pas installé sur ce "
+                           "poste (paquet libqt6sql6-psql)."));
     db.setHostName(m_address.host);
     db.setPort(m_address.port);
     db.setDatabaseName(m_address.database);
@@ -341,10 +339,11 @@ void Store::connect(const PasswordPrompt& askPassword) {
         // The password file (~/.pgpass) had none: ask once, keep it in memory only.
         if (askPassword && m_password.isEmpty() &&
             error.text().contains(QStringLiteral("password"), Qt::CaseInsensitive)) {
-            m_password = askPassword(
-                QStringLiteral("Mot de passe de %1 sur le serveur %2 :")
-                    .arg(m_address.user.isEmpty() ? QStringLiteral("l'utilisateur") : m_address.user,
-                         m_address.display()));
+            m_password =
+                askPassword(QStringLiteral("Mot de passe de %1 sur le serveur %2 :")
+                                .arg(m_address.user.isEmpty() ? QStringLiteral("l'utilisateur")
+                                                              : m_address.user,
+                                     m_address.display()));
             if (!m_password.isEmpty()) continue;
         }
         throw StoreError(QStringLiteral("Impossible de joindre la base partagée %1 : %2")
@@ -358,8 +357,8 @@ void Store::connect(const PasswordPrompt& askPassword) {
 
 void Store::prepareServer(bool creating) {
     initSchemaResources();
-    const bool present = exists(QStringLiteral(
-        "SELECT 1 FROM information_schema.schemata WHERE schema_name = 'jkv'"));
+    const bool present = exists(
+        QStringLiteral("SELECT 1 FROM information_schema.schemata WHERE schema_name = 'jkv'"));
     if (creating && present &&
         exists(QStringLiteral("SELECT 1 FROM information_schema.tables WHERE table_schema IN "
                               "('jkv', 'facture', 'tiers', 'mail')")))
@@ -377,7 +376,8 @@ void Store::prepareServer(bool creating) {
             QDir(dir).entryList({QStringLiteral("*.sql")}, QDir::Files, QDir::Name);
         // Most starts find the schema up to date: no lock, no schema statement.
         if (!creating && !scripts.isEmpty() &&
-            exists(QStringLiteral("SELECT 1 FROM %1.orve_version HAVING max(version) >= ?").arg(schema),
+            exists(QStringLiteral("SELECT 1 FROM %1.orve_version HAVING max(version) >= ?")
+                       .arg(schema),
                    {scripts.last().section('_', 0, 0).toInt()}))
             continue;
         Transaction tx(*this);
@@ -387,7 +387,8 @@ void Store::prepareServer(bool creating) {
         exec(QStringLiteral("CREATE TABLE IF NOT EXISTS %1.orve_version (version integer NOT NULL)")
                  .arg(schema));
         const int version =
-            scalar(QStringLiteral("SELECT COALESCE(max(version), 0) FROM %1.orve_version").arg(schema))
+            scalar(
+                QStringLiteral("SELECT COALESCE(max(version), 0) FROM %1.orve_version").arg(schema))
                 .toInt();
         for (const QString& script : scripts) {
             const int number = script.section('_', 0, 0).toInt();
@@ -431,9 +432,7 @@ QStringList Store::tables(File f) const {
 
 QStringList Store::columns(const QString& table) const { return columnsOf(table, false); }
 
-QStringList Store::wholeNumberColumns(const QString& table) const {
-    return columnsOf(table, true);
-}
+QStringList Store::wholeNumberColumns(const QString& table) const { return columnsOf(table, true); }
 
 QStringList Store::columnsOf(const QString& table, bool wholeNumbersOnly) const {
     const auto it = m_tableFiles.find(table.toLower());
@@ -451,7 +450,8 @@ QStringList Store::columnsOf(const QString& table, bool wholeNumbersOnly) const 
         const QString name = r.value(0).toString();
         const QString type = r.value(1).toString().toLower();
         if (name == QStringLiteral("rowid")) continue;
-        if (wholeNumbersOnly && type != QStringLiteral("bigint") && type != QStringLiteral("integer"))
+        if (wholeNumbersOnly && type != QStringLiteral("bigint") &&
+            type != QStringLiteral("integer"))
             continue;
         out << name;
     }
@@ -527,9 +527,9 @@ void Store::fail(const QString& sql, const QSqlError& error) const {
         }
         const QString store =
             !file ? QStringLiteral("des données")
-            : postgres() ? QStringLiteral("partagée %1 (%2)").arg(m_address.display(),
-                                                                   serverSchema(*file))
-                         : fileName(*file);
+            : postgres()
+                ? QStringLiteral("partagée %1 (%2)").arg(m_address.display(), serverSchema(*file))
+                : fileName(*file);
         where = QStringLiteral("%1, table %2").arg(store, bare);
     } else if (postgres()) {
         where = QStringLiteral("partagée %1").arg(m_address.display());
@@ -798,7 +798,8 @@ QString describeEngineError(const QSqlError& error, bool server) {
         const QString state = error.nativeErrorCode();
         if (state == QStringLiteral("40P01") || state == QStringLiteral("55P03") ||
             state == QStringLiteral("40001"))
-            cause = QStringLiteral("la base est utilisée par un autre poste (réessayez dans un instant)");
+            cause = QStringLiteral(
+                "la base est utilisée par un autre poste (réessayez dans un instant)");
         else if (state == QStringLiteral("53100"))
             cause = QStringLiteral("disque plein sur le serveur");
         else if (state == QStringLiteral("25006"))
@@ -816,15 +817,24 @@ QString describeEngineError(const QSqlError& error, bool server) {
                 cause = QStringLiteral(
                     "la base est utilisée par un autre poste (réessayez dans un instant)");
                 break;
-            case 13: cause = QStringLiteral("disque plein"); break;  // SQLITE_FULL
-            case 26:                                                  // SQLITE_NOTADB
-            case 11:                                                  // SQLITE_CORRUPT
+            case 13:
+                cause = QStringLiteral("disque plein");
+                break;  // SQLITE_FULL
+            case 26:    // SQLITE_NOTADB
+            case 11:    // SQLITE_CORRUPT
                 cause = QStringLiteral("ce fichier n'est pas une base ORVE ou il est endommagé");
                 break;
-            case 8: cause = QStringLiteral("le fichier est en lecture seule"); break;
-            case 14: cause = QStringLiteral("le fichier ne peut pas être ouvert"); break;
-            case 10: cause = QStringLiteral("erreur de lecture ou d'écriture sur le disque"); break;
-            default: break;
+            case 8:
+                cause = QStringLiteral("le fichier est en lecture seule");
+                break;
+            case 14:
+                cause = QStringLiteral("le fichier ne peut pas être ouvert");
+                break;
+            case 10:
+                cause = QStringLiteral("erreur de lecture ou d'écriture sur le disque");
+                break;
+            default:
+                break;
         }
     }
     const QString raw = format::echoed(error.text().trimmed());

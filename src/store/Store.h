@@ -55,8 +55,7 @@ class Store {
     // empty database.
     static std::unique_ptr<Store> open(const StoreAddress& address, const QString& scratchFolder,
                                        const PasswordPrompt& askPassword = {});
-    static std::unique_ptr<Store> create(const StoreAddress& address,
-                                         const QString& scratchFolder,
+    static std::unique_ptr<Store> create(const StoreAddress& address, const QString& scratchFolder,
                                          const PasswordPrompt& askPassword = {});
     ~Store();
     Store(const Store&) = delete;

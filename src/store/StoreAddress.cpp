@@ -40,8 +40,9 @@ StoreAddress StoreAddress::parse(const QString& text) {
         // A password is never taken from here: it would end up in a shared file.
         const QString userPart = authority.left(at);
         if (userPart.contains(':'))
-            throw refuse(QStringLiteral("le mot de passe ne s'écrit pas dans l'adresse (utilisez "
-                                        "le fichier .pgpass)"));
+            throw refuse(
+                QStringLiteral("le mot de passe ne s'écrit pas dans l'adresse (utilisez "
+                               "le fichier .pgpass)"));
         a.user = QUrl::fromPercentEncoding(userPart.toUtf8());
         authority = authority.mid(at + 1);
     }

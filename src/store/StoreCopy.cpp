@@ -60,8 +60,8 @@ void copyFile(const QString& source, const QString& target) {
 // A copy is a plain single file: no journal beside it on the medium.
 void makeStandalone(const QString& path) {
     sqlite3* db = nullptr;
-    if (sqlite3_open_v2(QFile::encodeName(path).constData(), &db, SQLITE_OPEN_READWRITE,
-                        nullptr) == SQLITE_OK)
+    if (sqlite3_open_v2(QFile::encodeName(path).constData(), &db, SQLITE_OPEN_READWRITE, nullptr) ==
+        SQLITE_OK)
         sqlite3_exec(db, "PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr);
     sqlite3_close(db);
 }
@@ -89,9 +89,10 @@ StoreCopy::Report StoreCopy::copy(const Store& from, Store& to) {
             if (targetColumns.isEmpty())
                 throw Refusal(QStringLiteral("La table %1 manque dans la destination.").arg(table));
             if (to.scalar(QStringLiteral("SELECT count(*) FROM %1").arg(table)).toLongLong() > 0)
-                throw Refusal(QStringLiteral("La destination contient déjà des données (table %1) : "
-                                             "rien n'a été copié.")
-                                  .arg(table));
+                throw Refusal(
+                    QStringLiteral("La destination contient déjà des données (table %1) : "
+                                   "rien n'a été copié.")
+                        .arg(table));
             QStringList columns;
             for (const QString& c : from.columns(table))
                 if (targetColumns.contains(c, Qt::CaseInsensitive)) columns << c;
@@ -127,11 +128,11 @@ StoreCopy::Report StoreCopy::copy(const Store& from, Store& to) {
             const auto b = to.selectOne(sql);
             for (int i = 0; a && b && i < a->count(); ++i) {
                 if (a->value(i).toLongLong() != b->value(i).toLongLong())
-                    throw StoreError(QStringLiteral("La copie de la table %1 ne correspond pas à "
-                                                    "l'original (%2 : %3 au lieu de %4) : rien n'a "
-                                                    "été gardé.")
-                                         .arg(table, sums[i], b->value(i).toString(),
-                                              a->value(i).toString()));
+                    throw StoreError(
+                        QStringLiteral("La copie de la table %1 ne correspond pas à "
+                                       "l'original (%2 : %3 au lieu de %4) : rien n'a "
+                                       "été gardé.")
+                            .arg(table, sums[i], b->value(i).toString(), a->value(i).toString()));
             }
         }
     }
@@ -194,7 +195,8 @@ QStringList StoreCopy::dump(const Store& store) {
                                   .arg(joined(columns), table))) {
                 QStringList values;
                 for (int i = 0; i < row.count(); ++i)
-                    values << (row.value(i).isNull() ? QStringLiteral("∅") : row.value(i).toString());
+                    values << (row.value(i).isNull() ? QStringLiteral("∅")
+                                                     : row.value(i).toString());
                 out << table + QStringLiteral(": ") + values.join(QChar('|'));
             }
         }

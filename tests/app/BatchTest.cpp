@@ -26,8 +26,7 @@ TEST(Batch, InitUserSigninAndBackupFromAShell) {
     EXPECT_TRUE(out.contains("installation créée")) << out.toStdString();
     // Addresses and amounts: the data files are for their owner only.
     for (const QString& name : QDir(home + "/donnees").entryList({"bow_*.db"}, QDir::Files))
-        EXPECT_EQ(QFile::permissions(home + "/donnees/" + name) & 0x0077, 0)
-            << name.toStdString();
+        EXPECT_EQ(QFile::permissions(home + "/donnees/" + name) & 0x0077, 0) << name.toStdString();
     // A second init on the same folder is refused, not silently redone.
     EXPECT_EQ(
         runProgram(kBatch, {"init", home, "--code", "X", "--name", "Y"}, "", &out, &err, kToday),
@@ -43,23 +42,24 @@ TEST(Batch, InitUserSigninAndBackupFromAShell) {
     EXPECT_EQ(
         runProgram(kBatch, {"--home", home, "signin", "nantes"}, "faux\n", &out, &err, kToday), 1);
     EXPECT_EQ(err.trimmed(), "Login-Mot de passe invalide");
-    ASSERT_EQ(
-        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret-44\n", &out, &err, kToday),
-        0);
+    ASSERT_EQ(runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret-44\n", &out, &err,
+                         kToday),
+              0);
     EXPECT_TRUE(out.contains("login: nantes\n")) << out.toStdString();
     EXPECT_TRUE(out.contains("league: LR44\n"));
     EXPECT_TRUE(out.contains("mail: compta@ligue44.example\n"));
     EXPECT_TRUE(out.contains("installation_name: Ligue des Pays de la Loire\n"));
     EXPECT_TRUE(out.contains("financial_year_start: 20260901\n"));
 
-    ASSERT_EQ(runProgram(kBatch, {"--home", home, "user", "passwd", "nantes"}, "neuf-2027!\n", &out, &err,
+    ASSERT_EQ(runProgram(kBatch, {"--home", home, "user", "passwd", "nantes"}, "neuf-2027!\n", &out,
+                         &err, kToday),
+              0);
+    EXPECT_EQ(runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret-44\n", &out, &err,
+                         kToday),
+              1);
+    EXPECT_EQ(runProgram(kBatch, {"--home", home, "signin", "nantes"}, "neuf-2027!\n", &out, &err,
                          kToday),
               0);
-    EXPECT_EQ(
-        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret-44\n", &out, &err, kToday),
-        1);
-    EXPECT_EQ(
-        runProgram(kBatch, {"--home", home, "signin", "nantes"}, "neuf-2027!\n", &out, &err, kToday), 0);
 
     const QString usb = dir.filePath("usb");
     QDir().mkpath(usb);

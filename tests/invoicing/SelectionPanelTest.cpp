@@ -44,11 +44,10 @@ QString kept(store::Store& s, const SelectionCondition& c) {
     store::Params p{QStringLiteral("F")};
     for (const auto& v : c.competitions.params()) p.push_back(v);
     QStringList out;
-    for (const auto& r :
-         s.select("SELECT c_index FROM strcompetition WHERE c_facture = ?" +
-                      c.competitions.after(" AND ") +
-                      (c.orderBy.isEmpty() ? " ORDER BY c_index" : c.orderBy),
-                  p))
+    for (const auto& r : s.select("SELECT c_index FROM strcompetition WHERE c_facture = ?" +
+                                      c.competitions.after(" AND ") +
+                                      (c.orderBy.isEmpty() ? " ORDER BY c_index" : c.orderBy),
+                                  p))
         out << r.value(0).toString();
     return out.join(',');
 }

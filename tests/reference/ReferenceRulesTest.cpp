@@ -67,8 +67,7 @@ TEST(ReferenceVisibility, EachKindOfUserSeesItsOwnParties) {
     EXPECT_EQ(f.params(), (store::Params{"LR06", "D1"}));
     EXPECT_EQ(visibilityFilter(kCommittee, {"c_lr", "c_district", "c_dept"}).params(),
               (store::Params{"013"}));
-    EXPECT_TRUE(
-        visibilityFilter(kNational, {"c_lr", "c_district", "c_dept"}).isEmpty());
+    EXPECT_TRUE(visibilityFilter(kNational, {"c_lr", "c_district", "c_dept"}).isEmpty());
     // A quote in a login or league is only a value: it finds nothing and breaks nothing.
     EXPECT_TRUE(committees::list(s, Viewer{"x", "LR06' or '1'='1", "D1"}).empty());
 }

@@ -4,8 +4,8 @@
 #include <QFile>
 #include <QSqlDatabase>
 #include <QSqlQuery>
-#include <functional>
 #include <QTemporaryDir>
+#include <functional>
 
 #include "store/Refusal.h"
 #include "store/Store.h"
@@ -169,8 +169,9 @@ TEST(Store, ACommitThatFailsLeavesNothingAndTheStoreUsable) {
     // A check the engine makes only at COMMIT: a deferred foreign key.
     if (!test::onServer()) s->exec("PRAGMA foreign_keys = ON");
     s->exec("CREATE TEMP TABLE parent (id INTEGER PRIMARY KEY)");
-    s->exec("CREATE TEMP TABLE child (pid INTEGER REFERENCES parent(id) "
-            "DEFERRABLE INITIALLY DEFERRED)");
+    s->exec(
+        "CREATE TEMP TABLE child (pid INTEGER REFERENCES parent(id) "
+        "DEFERRABLE INITIALLY DEFERRED)");
     {
         Transaction tx(*s);
         s->insert("strtypec", {{"t_code", "FD"}});
@@ -206,8 +207,9 @@ TEST(Store, AFileLockedByAnotherWorkstationIsNamedAndReleased) {
         });
         EXPECT_TRUE(message.contains("bow_facture.db")) << message.toStdString();
         EXPECT_FALSE(message.contains("bow_jkv.db")) << message.toStdString();
-        EXPECT_TRUE(message.contains("la base est utilisée par un autre poste (réessayez dans un "
-                                     "instant)"))
+        EXPECT_TRUE(
+            message.contains("la base est utilisée par un autre poste (réessayez dans un "
+                             "instant)"))
             << message.toStdString();
         q.exec("ROLLBACK");
         q.finish();
@@ -231,10 +233,11 @@ TEST(Store, SharedFilesAreNeverMadeAgainAtOpen) {
     QFile::remove(facture);
     QFile::remove(facture + "-wal");
     QFile::remove(facture + "-shm");
-    const QString expected = QString(
-        "Le fichier de données bow_facture.db est introuvable (ou vide) dans %1. Restaurez-le "
-        "depuis une sauvegarde.")
-                                 .arg(QDir::toNativeSeparators(dir.path()));
+    const QString expected =
+        QString(
+            "Le fichier de données bow_facture.db est introuvable (ou vide) dans %1. Restaurez-le "
+            "depuis une sauvegarde.")
+            .arg(QDir::toNativeSeparators(dir.path()));
     EXPECT_EQ(errorOf([&] { Store::open(dir.path()); }), expected);
     EXPECT_FALSE(QFile::exists(facture));
     QFile empty(facture);

@@ -45,9 +45,8 @@ void adminExec(const QString& sql) {
 
 QString createDatabase() {
     static std::atomic<int> counter{0};
-    const QString database = QStringLiteral("orve_t%1_%2")
-                                 .arg(QCoreApplication::applicationPid())
-                                 .arg(++counter);
+    const QString database =
+        QStringLiteral("orve_t%1_%2").arg(QCoreApplication::applicationPid()).arg(++counter);
     adminExec(QStringLiteral("CREATE DATABASE %1").arg(database));
     return QStringLiteral("postgresql://postgres@%1/%2").arg(hostPart(), database);
 }

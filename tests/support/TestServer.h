@@ -20,7 +20,7 @@ void adminExec(const QString& sql);
 }  // namespace orve::test
 
 // For tests about SQLite files themselves (damaged pages, file locks, WAL).
-#define ORVE_SQLITE_FILES_ONLY()                                                \
-    do {                                                                        \
-        if (::orve::test::onServer()) GTEST_SKIP() << "SQLite files only";      \
+#define ORVE_SQLITE_FILES_ONLY()                                           \
+    do {                                                                   \
+        if (::orve::test::onServer()) GTEST_SKIP() << "SQLite files only"; \
     } while (0)

@@ -41,7 +41,7 @@ class ORVE_menu : public QMainWindow {
     Session& m_session;
     Dialogs& m_dialogs;
     const ScreenCatalog& m_catalog;
-    std::map<QString, QAction*> m_actions;  // every entry, by name
+    std::map<QString, QAction*> m_actions;                            // every entry, by name
     std::map<std::pair<QString, QString>, QPointer<QWidget>> m_open;  // by name and mode
     QGroupBox* m_frame1 = nullptr;
     QGroupBox* m_frame5 = nullptr;

@@ -45,8 +45,8 @@ QString QtDialogs::chooseSaveFile(const QString& title, const QString& start,
 
 QString QtDialogs::askPassword(const QString& question) {
     bool ok = false;
-    const QString typed = QInputDialog::getText(owner(), kTitle, question, QLineEdit::Password,
-                                                QString(), &ok);
+    const QString typed =
+        QInputDialog::getText(owner(), kTitle, question, QLineEdit::Password, QString(), &ok);
     return ok ? typed : QString();
 }
 

@@ -29,8 +29,7 @@ void fillItems(QComboBox* combo, const ListItems& items) {
 
 void showItem(QComboBox* combo, const QString& code) {
     for (int i = 1; i < combo->count(); ++i) {
-        if (itemCode(combo->itemText(i)).compare(code.trimmed(), Qt::CaseInsensitive) ==
-            0) {
+        if (itemCode(combo->itemText(i)).compare(code.trimmed(), Qt::CaseInsensitive) == 0) {
             combo->setCurrentIndex(i);
             return;
         }

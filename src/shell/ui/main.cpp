@@ -8,14 +8,14 @@
 #endif
 
 #include "app/Startup.h"
-#include "shell/Composition.h"
-#include "shell/QtMessages.h"
-#include "shell/ui/Screens.h"
 #include "app/ui/ORVE_menu.h"
 #include "app/ui/OrveApplication.h"
 #include "app/ui/QtDialogs.h"
 #include "app/ui/ScenarioRunner.h"
 #include "app/ui/ScreenCatalog.h"
+#include "shell/Composition.h"
+#include "shell/QtMessages.h"
+#include "shell/ui/Screens.h"
 #include "store/Refusal.h"
 
 namespace {
@@ -97,8 +97,9 @@ int main(int argc, char** argv) {
     app.setDialogs(&dialogs);
     std::unique_ptr<Session> session;
     try {
-        session = orve::shell::openSession(
-            programFolder, clock, [&](const QString& question) { return dialogs.askPassword(question); });
+        session = orve::shell::openSession(programFolder, clock, [&](const QString& question) {
+            return dialogs.askPassword(question);
+        });
     } catch (const std::exception& e) {
         dialogs.inform(orve::describeError(e));
         return 1;
