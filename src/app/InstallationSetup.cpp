@@ -64,8 +64,8 @@ void createInstallation(const QString& dir, const NewInstallation& values, const
 
 Migration migrateInstallation(const QString& dir, const QString& target) {
     const QString home = QDir(dir).absolutePath();
-    const store::StoreAddress from = readStoreAddress(home);
-    auto source = store::Store::open(from, from.shared() ? home : from.folder);
+    auto source = openInstallationStore(home);
+    const store::StoreAddress& from = source->address();
     std::unique_ptr<store::Store> copy;
     QString written = target.trimmed();
     if (store::StoreAddress::isServerAddress(written)) {

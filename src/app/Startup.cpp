@@ -57,12 +57,14 @@ store::StoreAddress readStoreAddress(const QString& programFolder) {
     return store::StoreAddress::ofFolder(resolveFolder(programFolder, written));
 }
 
-std::unique_ptr<Session> startSession(const QString& programFolder, const Clock& clock,
-                                      const store::PasswordPrompt& askPassword) {
-    const store::StoreAddress address = readStoreAddress(programFolder);
-    const QString invoiceFolder =
-        resolveFolder(programFolder, readPathFile(programFolder, kInvoicePathFile));
-    // A shared store keeps this workstation's scratch file in the program folder.
+std::unique_ptr<store::Store> openInstallationStore(const QString& programFolder,
+                                                    const store::PasswordPrompt& askPassword) {
+    return openInstallationStore(programFolder, readStoreAddress(programFolder), askPassword);
+}
+
+std::unique_ptr<store::Store> openInstallationStore(const QString& programFolder,
+                                                    const store::StoreAddress& address,
+                                                    const store::PasswordPrompt& askPassword) {
     const QString dataFolder = address.shared() ? programFolder : address.folder;
     if (!QFileInfo(dataFolder).isDir()) {
         throw Refusal(
@@ -70,7 +72,16 @@ std::unique_ptr<Session> startSession(const QString& programFolder, const Clock&
                            "Corrigez %2 ou créez ce dossier.")
                 .arg(format::echoed(QDir::toNativeSeparators(dataFolder)), kBasePathFile));
     }
-    auto store = store::Store::open(address, dataFolder, askPassword);
+    return store::Store::open(address, dataFolder, askPassword);
+}
+
+std::unique_ptr<Session> startSession(const QString& programFolder, const Clock& clock,
+                                      const store::PasswordPrompt& askPassword) {
+    // The data's path file is read first: it is the one an operator fixes first.
+    const store::StoreAddress address = readStoreAddress(programFolder);
+    const QString invoiceFolder =
+        resolveFolder(programFolder, readPathFile(programFolder, kInvoicePathFile));
+    auto store = openInstallationStore(programFolder, address, askPassword);
     const auto row = store->selectOne(
         QStringLiteral("SELECT spe_cod, spe_nom, spe_district, spe_debut_exe_tri, spe_fin_exe_tri "
                        "FROM strspecif LIMIT 1"));
@@ -83,6 +94,7 @@ std::unique_ptr<Session> startSession(const QString& programFolder, const Clock&
     }
     Installation inst{row->value(0).toString(), row->value(1).toString(), row->value(2).toString(),
                       row->value(3).toString(), row->value(4).toString()};
+    const QString dataFolder = store->dataFolder();
     return std::make_unique<Session>(programFolder, dataFolder, invoiceFolder, std::move(store),
                                      inst, clock);
 }

@@ -26,6 +26,14 @@ QString readPathFile(const QString& programFolder, const QString& fileName);
 // What chemin_base.txt names: a data folder, or a PostgreSQL database.
 store::StoreAddress readStoreAddress(const QString& programFolder);
 
+// Opens the store chemin_base.txt names. A shared store keeps this
+// workstation's scratch file in the program folder; a data folder keeps it.
+std::unique_ptr<store::Store> openInstallationStore(const QString& programFolder,
+                                                    const store::PasswordPrompt& askPassword = {});
+std::unique_ptr<store::Store> openInstallationStore(const QString& programFolder,
+                                                    const store::StoreAddress& address,
+                                                    const store::PasswordPrompt& askPassword);
+
 // The whole start-up: path files, data store, installation record. The
 // prompt is asked for a server password no password file holds.
 std::unique_ptr<Session> startSession(const QString& programFolder, const Clock& clock,
