@@ -461,15 +461,6 @@ void createDemoInstallation(const QString& dir, const QDate& today, const QStrin
         fillReference(*store, todayText, season);
         fillArticlesAndNatures(*store, season);
         competitions::ensurePseudoCompetitions(*store, today);
-        // A newcomer invoices licences of the season in progress at once: the
-        // pseudo-competitions are those of the working season, not of the
-        // season the program fixes for installations brought over.
-        store->update(QStringLiteral("strcompetition"), {{"c_saison", QString::number(season)}},
-                      QStringLiteral("c_facture = ? AND c_index LIKE ?"),
-                      {QStringLiteral("X"), QStringLiteral("8FA%")});
-        store->update(QStringLiteral("strcompetition"),
-                      {{"c_intitule", QStringLiteral("Licence Saison %1-%2").arg(season - 1).arg(season)}},
-                      QStringLiteral("c_index = ?"), {competitions::kLicenceIndex});
         invoicing::createDemoInvoices(*store, today);
         tx.commit();
     }
