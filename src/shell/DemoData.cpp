@@ -5,8 +5,8 @@
 
 #include "app/InstallationSetup.h"
 #include "app/Startup.h"
-#include "competitions/PseudoCompetitions.h"
 #include "app/Users.h"
+#include "competitions/PseudoCompetitions.h"
 #include "invoicing/DemoInvoices.h"
 #include "store/Formats.h"
 #include "store/Store.h"
@@ -461,6 +461,16 @@ void createDemoInstallation(const QString& dir, const QDate& today, const QStrin
         fillReference(*store, todayText, season);
         fillArticlesAndNatures(*store, season);
         competitions::ensurePseudoCompetitions(*store, today);
+        // A newcomer invoices licences of the season in progress at once: the
+        // pseudo-competitions are those of the working season, not of the
+        // season the program fixes for installations brought over.
+        store->update(QStringLiteral("strcompetition"), {{"c_saison", QString::number(season)}},
+                      QStringLiteral("c_facture = ? AND c_index LIKE ?"),
+                      {QStringLiteral("X"), QStringLiteral("8FA%")});
+        store->update(
+            QStringLiteral("strcompetition"),
+            {{"c_intitule", QStringLiteral("Licence Saison %1-%2").arg(season - 1).arg(season)}},
+            QStringLiteral("c_index = ?"), {competitions::kLicenceIndex});
         invoicing::createDemoInvoices(*store, today);
         tx.commit();
     }

@@ -183,7 +183,7 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     const Word* discipline = pdf.find("Discipline");
     EXPECT_NEAR(discipline->x0, 6300, 5);
     EXPECT_NEAR(discipline->y0, 3000, 60);
-    EXPECT_EQ(pdf.lineOf(*pdf.find("Interne")), "N° Interne : BW-2018--");
+    EXPECT_EQ(pdf.lineOf(*pdf.find("Interne")), "N° Interne : BW-2027--");
 
     const Word* head = pdf.find("DESIGNATION");
     EXPECT_NEAR(head->x0, 1500, 5);

@@ -1,11 +1,13 @@
 #include "shell/ui/Screens.h"
 
+#include "invoicing/ui/InvoicingScreens.h"
 #include "reference/ui/ReferenceScreens.h"
 
 namespace orve::shell {
 
 void registerScreens(app::ScreenCatalog& catalog) {
     reference::registerReferenceScreens(catalog);
+    invoicing::registerInvoicingScreens(catalog);
 }
 
 }  // namespace orve::shell
