@@ -464,7 +464,11 @@ void createDemoInstallation(const QString& dir, const QDate& today, const QStrin
         // A newcomer invoices licences of the season in progress at once: the
         // pseudo-competitions are those of the working season, not of the
         // season the program fixes for installations brought over.
-        store->update(QStringLiteral("strcompetition"), {{"c_saison", QString::number(season)}},
+        // They end with their season, on 31 August.
+        store->update(QStringLiteral("strcompetition"),
+                      {{"c_saison", QString::number(season)},
+                       {"c_date_finale", QStringLiteral("31/08/%1").arg(season)},
+                       {"c_tri_finale", QStringLiteral("%10831").arg(season)}},
                       QStringLiteral("c_facture = ? AND c_index LIKE ?"),
                       {QStringLiteral("X"), QStringLiteral("8FA%")});
         store->update(
