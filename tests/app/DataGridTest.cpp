@@ -19,14 +19,6 @@ using orve::app::StoreTableModel;
 
 namespace {
 
-void ensureApplication() {
-    if (qApp) return;
-    static int argc = 1;
-    static char name[] = "test";
-    static char* argv[] = {name, nullptr};
-    new QApplication(argc, argv);
-}
-
 QSqlRecord tariffRow(const QString& season, const QVariant& cents) {
     QSqlRecord r;
     r.append(QSqlField("t_saison", QMetaType(QMetaType::QString)));
@@ -90,7 +82,7 @@ QStringList codes(const DataGrid& grid) {
 }  // namespace
 
 TEST(DataGrid, ReadsALongListingAPageAtATime) {
-    ensureApplication();
+    test::application();
     test::TestInstall install(test::TestInstall::Kind::Empty);
     auto session = install.start();
     addArticles(session->store());
@@ -145,7 +137,7 @@ TEST(DataGrid, ReadsALongListingAPageAtATime) {
 }
 
 TEST(DataGrid, ColumnHeadSortsTheListingAgainKeepingItsFilter) {
-    ensureApplication();
+    test::application();
     test::TestInstall install(test::TestInstall::Kind::Empty);
     auto session = install.start();
     addArticles(session->store());
@@ -210,7 +202,7 @@ TEST(DataGrid, ColumnHeadSortsTheListingAgainKeepingItsFilter) {
 }
 
 TEST(DataGrid, ShowsAmountsAndReportsChoicesAndEdits) {
-    ensureApplication();
+    test::application();
     DataGrid grid("DBGrid2");
     grid.resize(400, 300);
     grid.show();
@@ -274,7 +266,7 @@ TEST(DataGrid, ShowsAmountsAndReportsChoicesAndEdits) {
 }
 
 TEST(DataGrid, CardShowsTheChosenRowFromTheSameModel) {
-    ensureApplication();
+    test::application();
     test::TestInstall install(test::TestInstall::Kind::Empty);
     auto session = install.start();
     addArticles(session->store());

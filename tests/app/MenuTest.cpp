@@ -11,18 +11,8 @@
 using namespace orve;
 using namespace orve::app;
 
-namespace {
-// Never destroyed: at exit Qt Sql's own statics are already gone.
-void application() {
-    static int argc = 1;
-    static char name[] = "test_app";
-    static char* argv[] = {name, nullptr};
-    if (!qApp) new QApplication(argc, argv);
-}
-}  // namespace
-
 TEST(Menu, AWindowIsOpenedOncePerNameAndMode) {
-    application();
+    test::application();
     test::TestInstall inst;
     auto session = inst.start();
     ScriptedDialogs dialogs;

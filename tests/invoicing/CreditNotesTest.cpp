@@ -75,13 +75,6 @@ QString threeLineInvoice(store::Store& s, const QDate& date) {
     return n;
 }
 
-void guiApplication() {
-    static int argc = 1;
-    static char name[] = "test_invoicing";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QGuiApplication(argc, argv);
-}
-
 // The lines of a PDF as pdftotext -bbox places its words: words whose tops
 // stand within 60 twips are one line, read left to right.
 struct PdfLine {
@@ -391,7 +384,7 @@ TEST(CreditNotes, InstallationFromBeforeTheOriginColumnOpensWhole) {
 
 TEST(CreditNotes, DocumentNamesTheCancelledInvoice) {
     Fixture f;
-    guiApplication();
+    test::application();
     const DocumentSettings settings = documentSettings(*f.session);
     const auto lines = pdfLines(generateInvoicePdf(f.store(), settings, kDemoCreditNote));
     const PdfLine* title = lineStarting(lines, "AVOIR N°");

@@ -28,13 +28,6 @@ const QString kBatch = QStringLiteral(ORVE_BATCH);
 const QString kClubInvoice = "2026000001";
 const QString kLeagueInvoice = "2026000003";
 
-void guiApplication() {
-    static int argc = 1;
-    static char name[] = "test_invoicing";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QGuiApplication(argc, argv);
-}
-
 QString invoiceFolder(const test::TestInstall& inst) {
     return documentSettings(*inst.start()).invoiceFolder;
 }
@@ -98,7 +91,7 @@ void age(const QString& path, int seconds) {
 }  // namespace
 
 TEST(DocumentFiles, FullDiskKeepsThePreviousDocumentAndMarksNothing) {
-    guiApplication();
+    test::application();
     test::TestInstall inst;
     const QString folder = invoiceFolder(inst);
     const QString path = QDir(folder).filePath("CL13001_FN_2026000001.pdf");
@@ -134,7 +127,7 @@ TEST(DocumentFiles, FullDiskKeepsThePreviousDocumentAndMarksNothing) {
 }
 
 TEST(DocumentFiles, TwoRunsAtOnceEachFinishWithWholeDocuments) {
-    guiApplication();
+    test::application();
     test::TestInstall inst;
     QStringList numbers;
     {
@@ -192,7 +185,7 @@ TEST(DocumentFiles, TwoRunsAtOnceEachFinishWithWholeDocuments) {
 }
 
 TEST(DocumentFiles, PartyCodesNeverChooseTheFolder) {
-    guiApplication();
+    test::application();
     test::TestInstall inst;
     auto session = inst.startAs("gestu");
     const DocumentSettings settings = documentSettings(*session);
@@ -239,7 +232,7 @@ TEST(DocumentFiles, PartyCodesNeverChooseTheFolder) {
 }
 
 TEST(DocumentFiles, OwnerOnlyAndLeftoversOfKilledRunsRemoved) {
-    guiApplication();
+    test::application();
     test::TestInstall inst;
     auto session = inst.startAs("gestu");
     const DocumentSettings settings = documentSettings(*session);

@@ -22,13 +22,6 @@ using namespace orve::invoicing;
 
 namespace {
 
-void guiApplication() {
-    static int argc = 1;
-    static char name[] = "test_invoicing";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QGuiApplication(argc, argv);
-}
-
 // One word of a PDF as pdftotext -bbox gives it, in twips from the top left.
 struct Word {
     int page;
@@ -110,7 +103,7 @@ struct Fixture {
     std::unique_ptr<app::Session> session;
     DocumentSettings settings;
     explicit Fixture(const QString& login = "gestu") {
-        guiApplication();
+        test::application();
         session = inst.startAs(login);
         settings = documentSettings(*session);
     }

@@ -18,15 +18,6 @@ using namespace orve::invoicing;
 
 namespace {
 
-QApplication& application() {
-    static int argc = 1;
-    static char name[] = "test_invoicing";
-    static char* argv[] = {name, nullptr};
-    static QApplication* app = qApp ? nullptr : new QApplication(argc, argv);
-    Q_UNUSED(app);
-    return *static_cast<QApplication*>(QCoreApplication::instance());
-}
-
 template <typename T>
 T* child(QWidget* w, const char* name) {
     T* c = w->findChild<T*>(QString::fromLatin1(name));
@@ -44,7 +35,7 @@ void pickItem(QComboBox* combo, const QString& startsWith) {
 }  // namespace
 
 TEST(InvoiceEntryScreen, EnterValidatesALineAndANewInvoiceStartsToday) {
-    application();
+    test::application();
     test::TestInstall inst;
     auto session = inst.startAs("gestu");
     app::ScriptedDialogs dialogs;
@@ -87,7 +78,7 @@ TEST(InvoiceEntryScreen, EnterValidatesALineAndANewInvoiceStartsToday) {
 }
 
 TEST(InvoiceEntryScreen, ModesShowTheirOwnDataAndRefuseWhatTheyLack) {
-    application();
+    test::application();
     test::TestInstall inst;
     auto session = inst.startAs("gestu");
     app::ScriptedDialogs dialogs;
@@ -127,7 +118,7 @@ class WatchingDialogs : public app::ScriptedDialogs {
 }  // namespace
 
 TEST(InvoiceEntryScreen, CreditNotesShowTheTickedInvoicesWhileAsking) {
-    application();
+    test::application();
     test::TestInstall inst;
     auto session = inst.startAs("gestu");
     WatchingDialogs dialogs;
@@ -159,7 +150,7 @@ TEST(InvoiceEntryScreen, CreditNotesShowTheTickedInvoicesWhileAsking) {
 }
 
 TEST(InvoiceEntryScreen, AClickOnTheTickTicksAndAnyOtherCellOpensTheInvoice) {
-    application();
+    test::application();
     test::TestInstall inst;
     auto session = inst.startAs("gestu");
     app::ScriptedDialogs dialogs;

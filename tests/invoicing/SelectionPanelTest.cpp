@@ -15,15 +15,6 @@ using namespace orve::invoicing;
 
 namespace {
 
-QApplication& application() {
-    static int argc = 1;
-    static char name[] = "test_invoicing";
-    static char* argv[] = {name, nullptr};
-    static QApplication* app = qApp ? nullptr : new QApplication(argc, argv);
-    Q_UNUSED(app);
-    return *static_cast<QApplication*>(QCoreApplication::instance());
-}
-
 void competition(store::Store& s, const QString& index, const QString& season, const QString& type,
                  const QString& nature, const QString& organiser, const QString& name,
                  const QString& cod1, const QString& cod2) {
@@ -151,7 +142,7 @@ TEST(SelectionFilter, MonthInvoiceNumberSeasonsAndModes) {
 }
 
 TEST(SelectionPanel, FilledFromTheStoreAndTurnedIntoACondition) {
-    application();
+    test::application();
     test::TestInstall inst;
     auto session = inst.start();
     app::ScriptedDialogs dialogs;

@@ -1,5 +1,6 @@
 #include "support/TestInstall.h"
 
+#include <QApplication>
 #include <QProcess>
 
 #include "app/InstallationSetup.h"
@@ -33,6 +34,13 @@ std::unique_ptr<app::Session> TestInstall::startAs(const QString& login) const {
     auto s = start();
     app::actAs(*s, login);
     return s;
+}
+
+void application() {
+    static int argc = 1;
+    static char name[] = "orve-tests";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance()) new QApplication(argc, argv);
 }
 
 int runProgram(const QString& program, const QStringList& args, const QString& input, QString* out,

@@ -30,6 +30,10 @@ class TestInstall {
     QDate m_today;
 };
 
+// The Qt application every test of windows or documents needs, made once per
+// test program and never destroyed: at exit Qt Sql's own statics are gone.
+void application();
+
 // Runs a program, feeding stdin; returns its exit code, fills out and err.
 int runProgram(const QString& program, const QStringList& args, const QString& input, QString* out,
                QString* err, const QStringList& extraEnv = {});
