@@ -225,6 +225,26 @@ InvoiceTotal updateTotal(Store& store, const QString& number) {
     return t;
 }
 
+InvoiceTotal readTotal(const Store& store, const QString& number) {
+    const Money total = Money::fromVariant(store.scalar(
+        QStringLiteral(
+            "SELECT COALESCE(SUM(f_montant), 0) FROM strfacture WHERE f_num_facture = ?"),
+        {paddedInvoiceNumber(number)}));
+    const QString type =
+        store
+            .scalar(QStringLiteral("SELECT ent_fact_type FROM strentete WHERE ent_fact_no = ?"),
+                    {number.trimmed()})
+            .toString()
+            .trimmed();
+    return {total, type};
+}
+
+store::Query linesQuery(const QString& number) {
+    return {QStringLiteral("SELECT * FROM strfacture"),
+            {QStringLiteral("f_num_facture = ?"), {paddedInvoiceNumber(number)}},
+            QStringLiteral("f_num_lig ASC")};
+}
+
 std::vector<StoredLine> readLines(const Store& store, const QString& number) {
     std::vector<StoredLine> lines;
     // By value, so that a hundredth line comes after the ninety-ninth.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "competitions/PseudoCompetitions.h"
+#include "store/Condition.h"
 #include "store/Money.h"
 #include "store/Store.h"
 
@@ -122,8 +123,14 @@ void removeLine(store::Store& store, const QString& number, const QString& lineN
 // Sums the lines and writes the type: "A" when negative, "F" otherwise.
 InvoiceTotal updateTotal(store::Store& store, const QString& number);
 
+// The total of the lines and the type as stored; writes nothing (a screen
+// showing an invoice must not change it).
+InvoiceTotal readTotal(const store::Store& store, const QString& number);
+
 // Lines in line-number order.
 std::vector<StoredLine> readLines(const store::Store& store, const QString& number);
+// The same lines as a grid lists them.
+store::Query linesQuery(const QString& number);
 
 // Copies every line of `fromNumber` into `toNumber` (quantities and amounts
 // multiplied by `sign`, dated `date`) through the reserved line number "99",

@@ -132,6 +132,14 @@ TEST(InvoiceRecords, LinesTotalsAndType) {
     EXPECT_EQ(t.type, "F");
     EXPECT_EQ(s.scalar("SELECT ent_fact_type FROM strentete WHERE ent_fact_no = ?", {n}).toString(),
               "F");
+    // Showing a total reads it and changes nothing: a credit note of 0,00 €
+    // stays a credit note.
+    s.update("strentete", {{"ent_fact_type", "A"}}, "ent_fact_no = ?", {n});
+    EXPECT_EQ(readTotal(s, n).type, "A");
+    EXPECT_EQ(readTotal(s, n).total.cents(), 0);
+    EXPECT_EQ(s.scalar("SELECT ent_fact_type FROM strentete WHERE ent_fact_no = ?", {n}).toString(),
+              "A");
+    EXPECT_EQ(s.select(linesQuery(n)).size(), 2u);
 
     // Amount is quantity times price, exactly.
     updateLine(s, n, "02",

@@ -168,14 +168,9 @@ void ORVE_facture_creation::validateHeader() {
 }
 
 void ORVE_facture_creation::showInvoiceLines(const QString& lineToEdit) {
-    store::Query q;
-    q.selectFrom = QStringLiteral("SELECT * FROM strfacture");
-    q.condition =
-        store::Condition(QStringLiteral("f_num_facture = ?"), {paddedInvoiceNumber(m_number)});
-    q.orderBy = QStringLiteral("f_num_lig ASC");
     app::DataGrid* grid = m_lines->lines();
-    grid->setQuery(m_session.store(), q);
-    const InvoiceTotal total = updateTotal(m_session.store(), m_number);
+    grid->setQuery(m_session.store(), linesQuery(m_number));
+    const InvoiceTotal total = readTotal(m_session.store(), m_number);
     m_header->setNumber(m_number, m_header->documentName());
     m_header->setTotal(QStringLiteral("Total : ") + format::amountEuro(total.total) +
                        (total.type == kCreditNoteType ? QStringLiteral(" (avoir)") : QString()));
