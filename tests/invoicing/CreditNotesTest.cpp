@@ -10,6 +10,7 @@
 #include "invoicing/InvoiceFiles.h"
 #include "invoicing/InvoiceRecords.h"
 #include "store/Refusal.h"
+#include "support/DemoInvoices.h"
 #include "support/TestInstall.h"
 #include "support/TestServer.h"
 
@@ -18,14 +19,12 @@ using namespace orve::invoicing;
 
 namespace {
 
-// The demo installation's invoices: club, committee (cancelled by the credit
-// note after it), league, and a long regional day.
-const QString kClubInvoice = "2026000001";
-const QString kCommitteeInvoice = "2026000002";
-const QString kLeagueInvoice = "2026000003";
-const QString kDemoCreditNote = "2026000004";
-const QString kLongInvoice = "2026000005";
-const QString kMarker = "2026000000";
+using test::kClubInvoice;
+using test::kCommitteeInvoice;
+using test::kDemoCreditNote;
+using test::kLeagueInvoice;
+using test::kLongInvoice;
+using test::kMarker;
 
 struct Fixture {
     test::TestInstall inst;
@@ -33,11 +32,7 @@ struct Fixture {
     store::Store& store() { return session->store(); }
     QDate today() const { return inst.today(); }
     QString header(const QString& number, const char* column) {
-        return store()
-            .scalar(QStringLiteral("SELECT %1 FROM strentete WHERE ent_fact_no = ?")
-                        .arg(QLatin1String(column)),
-                    {number})
-            .toString();
+        return test::headerValue(store(), number, column);
     }
     int count(const QString& sql, const store::Params& params = {}) {
         return store().scalar(sql, params).toInt();

@@ -15,6 +15,7 @@
 #include "invoicing/InvoiceRecords.h"
 #include "invoicing/PrinterLookup.h"
 #include "store/Refusal.h"
+#include "support/DemoInvoices.h"
 #include "support/TestInstall.h"
 
 using namespace orve;
@@ -91,12 +92,11 @@ class PdfText {
     int m_pages = 0;
 };
 
-// The demo installation's invoices.
-const QString kClubInvoice = "2026000001";
-const QString kCommitteeInvoice = "2026000002";
-const QString kLeagueInvoice = "2026000003";
-const QString kCreditNote = "2026000004";
-const QString kLongInvoice = "2026000005";
+using test::kClubInvoice;
+using test::kCommitteeInvoice;
+using test::kLeagueInvoice;
+using test::kLongInvoice;
+const QString& kCreditNote = test::kDemoCreditNote;
 
 struct Fixture {
     test::TestInstall inst;
@@ -109,11 +109,7 @@ struct Fixture {
     }
     store::Store& store() { return session->store(); }
     QString header(const QString& number, const char* column) {
-        return store()
-            .scalar(QStringLiteral("SELECT %1 FROM strentete WHERE ent_fact_no = ?")
-                        .arg(QLatin1String(column)),
-                    {number})
-            .toString();
+        return test::headerValue(store(), number, column);
     }
 };
 

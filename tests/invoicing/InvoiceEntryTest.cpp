@@ -8,6 +8,7 @@
 #include "invoicing/InvoiceEntry.h"
 #include "invoicing/InvoiceParties.h"
 #include "store/Refusal.h"
+#include "support/DemoInvoices.h"
 #include "support/TestInstall.h"
 
 using namespace orve;
@@ -24,11 +25,7 @@ struct Fixture {
     std::unique_ptr<app::Session> session = inst.startAs("gestu");
     store::Store& store() { return session->store(); }
     QString header(const QString& number, const char* column) {
-        return store()
-            .scalar(QStringLiteral("SELECT %1 FROM strentete WHERE ent_fact_no = ?")
-                        .arg(QLatin1String(column)),
-                    {number})
-            .toString();
+        return test::headerValue(store(), number, column);
     }
     int headers() { return store().scalar("SELECT COUNT(*) FROM strentete").toInt(); }
     SelectionCondition season2027() {
