@@ -66,12 +66,11 @@ QString issueOne(Store& store, const QString& invoice, const QDate& today) {
     // since the list was checked.
     store.lockSeries(kInvoiceSeries);
     if (const auto why = refusalFor(store, invoice)) throw Refusal(*why);
-    const auto original =
-        store.selectOne(QStringLiteral("SELECT * FROM strentete WHERE ent_fact_no = ?"), {invoice});
+    const store::Row original = requireHeader(store, invoice);
     const QString number = nextInvoiceNumber(store);
     store::Fields fields{{"ent_fact_no", number}};
     for (const char* column : kCopiedHeaderColumns)
-        fields.emplace_back(QLatin1String(column), original->value(QLatin1String(column)));
+        fields.emplace_back(QLatin1String(column), original.value(QLatin1String(column)));
     fields.emplace_back("ent_fact_date", format::displayDate(today));
     fields.emplace_back("ent_fact_tri", format::sortDate(today));
     fields.emplace_back("ent_fact_echeance", format::displayDate(today));

@@ -313,24 +313,22 @@ QString saveEntryHeader(Store& store, const EntryMode& mode, const EntryHeaderSt
 }
 
 EntryInvoice loadEntryInvoice(const Store& store, const QString& number) {
-    const auto h = store.selectOne(QStringLiteral("SELECT * FROM strentete WHERE ent_fact_no = ?"),
-                                   {number.trimmed()});
-    if (!h) throw Refusal(QStringLiteral("La facture N° %1 n'existe pas.").arg(number));
+    const store::Row h = requireHeader(store, number);
     EntryInvoice inv;
-    inv.number = text(*h, "ent_fact_no");
-    inv.type = text(*h, "ent_fact_type");
-    inv.nature = text(*h, "ent_nature");
+    inv.number = text(h, "ent_fact_no");
+    inv.type = text(h, "ent_fact_type");
+    inv.nature = text(h, "ent_nature");
     EntryHeaderState& s = inv.state;
-    s.dateText = text(*h, "ent_fact_date");
-    s.dueDateText = text(*h, "ent_fact_echeance");
-    s.billed = partyOf(*h, "ent_fact_", "ent_tiers_fact", "ent_fact_entite");
-    s.billed.mail1 = text(*h, "ent_fact_mail1");
-    s.billed.mail2 = text(*h, "ent_fact_mail2");
-    s.client = partyOf(*h, "ent_clt_", "ent_tiers_clt", "ent_clt_entite");
-    s.competitionIndex = text(*h, "ent_c_index");
-    s.competitionNumber = text(*h, "ent_c_codification").trimmed();
-    s.competitionTitle = text(*h, "ent_fact_competition");
-    s.depositText = format::fileAmount(Money::fromVariant(h->value("ent_acompte")));
+    s.dateText = text(h, "ent_fact_date");
+    s.dueDateText = text(h, "ent_fact_echeance");
+    s.billed = partyOf(h, "ent_fact_", "ent_tiers_fact", "ent_fact_entite");
+    s.billed.mail1 = text(h, "ent_fact_mail1");
+    s.billed.mail2 = text(h, "ent_fact_mail2");
+    s.client = partyOf(h, "ent_clt_", "ent_tiers_clt", "ent_clt_entite");
+    s.competitionIndex = text(h, "ent_c_index");
+    s.competitionNumber = text(h, "ent_c_codification").trimmed();
+    s.competitionTitle = text(h, "ent_fact_competition");
+    s.depositText = format::fileAmount(Money::fromVariant(h.value("ent_acompte")));
     inv.lines = readLines(store, inv.number);
     return inv;
 }

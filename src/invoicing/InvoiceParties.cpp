@@ -70,7 +70,7 @@ InvoiceParty committeeItself(const store::Row& r) {
 }
 
 std::optional<store::Row> committeeRow(const Store& store, const QString& number) {
-    return store.selectOne(QStringLiteral("SELECT * FROM strdept WHERE de_no = ?"), {number});
+    return reference::committees::find(store, number);
 }
 
 }  // namespace
@@ -130,8 +130,7 @@ QString nameFirstKey(const QString& itemText) {
 }
 
 InvoiceParty leagueParty(const Store& store, const QString& code, AddressBlock block) {
-    const auto r = store.selectOne(QStringLiteral("SELECT * FROM strregion WHERE re_code = ?"),
-                                   {code.trimmed()});
+    const auto r = reference::leagues::find(store, code.trimmed());
     if (!r) throw Refusal(QStringLiteral("La ligue %1 n'existe pas.").arg(code.trimmed()));
     InvoiceParty p;
     p.account = text(*r, "re_code");
@@ -186,8 +185,7 @@ InvoiceParty committeeParty(const Store& store, const QString& number, AddressBl
 }
 
 InvoiceParty clubParty(const Store& store, const QString& code) {
-    const auto r = store.selectOne(QStringLiteral("SELECT * FROM strclub WHERE club_code = ?"),
-                                   {code.trimmed()});
+    const auto r = reference::clubs::find(store, code.trimmed());
     if (!r) throw Refusal(QStringLiteral("Le club %1 n'existe pas.").arg(code.trimmed()));
     InvoiceParty p;
     p.account = text(*r, "club_code");
@@ -204,8 +202,7 @@ InvoiceParty clubParty(const Store& store, const QString& code) {
 }
 
 InvoiceParty centreParty(const Store& store, const QString& account) {
-    const auto r = store.selectOne(
-        QStringLiteral("SELECT * FROM strbowling WHERE b_compte_tiers = ?"), {account.trimmed()});
+    const auto r = reference::centres::find(store, account.trimmed());
     if (!r)
         throw Refusal(
             QStringLiteral("Le centre de bowling %1 n'existe pas.").arg(account.trimmed()));

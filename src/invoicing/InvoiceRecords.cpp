@@ -55,13 +55,6 @@ Fields headerFields(const InvoiceHeader& h, const QDate& date) {
             {"ent_acompte", QVariant::fromValue<qint64>(h.deposit.cents())}};
 }
 
-store::Row requireHeader(const Store& store, const QString& number) {
-    auto row = store.selectOne(QStringLiteral("SELECT * FROM strentete WHERE ent_fact_no = ?"),
-                               {number.trimmed()});
-    if (!row) throw Refusal(QStringLiteral("La facture N° %1 n'existe pas.").arg(number.trimmed()));
-    return *row;
-}
-
 // The highest line number by value; copied lines ("99") are not counted.
 qint64 lastLineNumber(const Store& store, const QString& padded) {
     return store
@@ -105,6 +98,13 @@ InvoiceTotal writeTotal(Store& store, const QString& number) {
 }
 
 }  // namespace
+
+store::Row requireHeader(const Store& store, const QString& number) {
+    auto row = store.selectOne(QStringLiteral("SELECT * FROM strentete WHERE ent_fact_no = ?"),
+                               {number.trimmed()});
+    if (!row) throw Refusal(QStringLiteral("La facture N° %1 n'existe pas.").arg(number.trimmed()));
+    return *row;
+}
 
 QString paddedInvoiceNumber(const QString& number) {
     return format::zeroPad(format::leadingNumber(number), 8);

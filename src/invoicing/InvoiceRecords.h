@@ -86,6 +86,10 @@ struct InvoiceTotal {
     QString type;  // "A" when the total is negative, else "F"
 };
 
+// The header of an invoice as stored; refuses a number that has none ("La
+// facture N° … n'existe pas.").
+store::Row requireHeader(const store::Store& store, const QString& number);
+
 // The eight-digit form used by the lines and the file names.
 QString paddedInvoiceNumber(const QString& number);
 

@@ -45,7 +45,7 @@ store::Rows list(store::Store& store, const Viewer& viewer) {
     return store.select(listing(viewer));
 }
 
-std::optional<store::Row> find(store::Store& store, const QString& key) {
+std::optional<store::Row> find(const store::Store& store, const QString& key) {
     return store.selectOne(QStringLiteral("select * from strbowling where b_compte_tiers = ?"),
                            {key});
 }

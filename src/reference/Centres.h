@@ -21,7 +21,7 @@ inline const QString kWood = QStringLiteral("Bois");
 
 store::Query listing(const Viewer& viewer);
 store::Rows list(store::Store& store, const Viewer& viewer);
-std::optional<store::Row> find(store::Store& store, const QString& key);
+std::optional<store::Row> find(const store::Store& store, const QString& key);
 
 // The leagues a user may pick from, and the departments of a league (every
 // department for a national user).

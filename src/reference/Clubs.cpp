@@ -26,7 +26,7 @@ store::Rows list(store::Store& store, const Viewer& viewer) {
     return store.select(listing(viewer));
 }
 
-std::optional<store::Row> find(store::Store& store, const QString& code) {
+std::optional<store::Row> find(const store::Store& store, const QString& code) {
     return store.selectOne(QStringLiteral("select * from strclub where club_code = ?"), {code});
 }
 

@@ -21,7 +21,7 @@ inline const QString kNewClubDistrict = QStringLiteral("D1");
 
 store::Query listing(const Viewer& viewer);
 store::Rows list(store::Store& store, const Viewer& viewer);
-std::optional<store::Row> find(store::Store& store, const QString& code);
+std::optional<store::Row> find(const store::Store& store, const QString& code);
 
 // "CL" + last two characters of the department ("000") + club number ("000"):
 // department 98 and club 12 give "CL98012".

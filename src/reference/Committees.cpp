@@ -27,7 +27,7 @@ store::Rows list(store::Store& store, const Viewer& viewer) {
     return store.select(listing(viewer));
 }
 
-std::optional<store::Row> find(store::Store& store, const QString& number) {
+std::optional<store::Row> find(const store::Store& store, const QString& number) {
     return store.selectOne(QStringLiteral("select * from strdept where de_no = ?"),
                            {formatNumber(number, 3)});
 }

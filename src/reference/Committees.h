@@ -18,7 +18,7 @@ const QStringList& cardColumns();
 store::Query listing(const Viewer& viewer);
 store::Rows list(store::Store& store, const Viewer& viewer);
 // By number as typed ("5" finds "005").
-std::optional<store::Row> find(store::Store& store, const QString& number);
+std::optional<store::Row> find(const store::Store& store, const QString& number);
 // The committee's name; empty when unknown.
 QString name(store::Store& store, const QString& number);
 

@@ -19,7 +19,7 @@ store::Query listing() {
 
 store::Rows list(store::Store& store) { return store.select(listing()); }
 
-std::optional<store::Row> find(store::Store& store, const QString& code) {
+std::optional<store::Row> find(const store::Store& store, const QString& code) {
     return store.selectOne(QStringLiteral("select * from strregion where re_code = ?"), {code});
 }
 

@@ -17,7 +17,7 @@ const QStringList& cardColumns();
 // Every league, in the order the table holds them.
 store::Query listing();
 store::Rows list(store::Store& store);
-std::optional<store::Row> find(store::Store& store, const QString& code);
+std::optional<store::Row> find(const store::Store& store, const QString& code);
 // The league's name; empty when no league has that code.
 QString name(store::Store& store, const QString& code);
 
