@@ -22,12 +22,6 @@ const QString kUsage = QStringLiteral("factures-essai NOMBRE [--club CODE] [--as
 constexpr int kAttempts = 6;
 constexpr int kFirstPauseMs = 20;
 
-// The store words every "another workstation holds it" error the same way, on
-// both engines (SQLite busy or locked, a server deadlock or lock refusal).
-bool heldByAnotherWorkstation(const StoreError& e) {
-    return e.message().contains(QStringLiteral("utilisée par un autre poste"));
-}
-
 QString text(const store::Row& r, const QString& name) { return r.value(name).toString(); }
 
 // The invoiced club: the one asked for, or the first of the installation.
@@ -140,7 +134,7 @@ int trialInvoices(app::BatchContext& c) {
                 makeInvoice(s, header, lines, today);
                 break;
             } catch (const StoreError& e) {
-                if (!heldByAnotherWorkstation(e) || attempt == kAttempts) throw;
+                if (!e.busy() || attempt == kAttempts) throw;
                 ++retries;
                 // Spread out, so that the workstations that collided do not meet again.
                 const int pause = kFirstPauseMs << (attempt - 1);

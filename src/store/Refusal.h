@@ -27,7 +27,14 @@ class Refusal : public OperatorMessage {
 // file, which table, which operation, and what the engine said.
 class StoreError : public OperatorMessage {
   public:
-    using OperatorMessage::OperatorMessage;
+    explicit StoreError(const QString& message, bool busy = false)
+        : OperatorMessage(message), m_busy(busy) {}
+    // Another workstation held the data: the same operation may succeed if
+    // made again in a moment.
+    bool busy() const { return m_busy; }
+
+  private:
+    bool m_busy = false;
 };
 
 // Turns anything thrown below a screen or a batch command into the text shown.

@@ -538,7 +538,8 @@ void Store::fail(const QString& sql, const QSqlError& error) const {
         where = QStringLiteral("du dossier %1").arg(QDir::toNativeSeparators(m_folder));
     }
     throw StoreError(QStringLiteral("Erreur de la base de données %1 (%2) : %3")
-                         .arg(where, operationOf(sql), describeEngineError(error, postgres())));
+                         .arg(where, operationOf(sql), describeEngineError(error, postgres())),
+                     heldElsewhere(error, postgres()));
 }
 
 QString Store::dialect(const QString& sql) const { return postgres() ? serverDialect(sql) : sql; }
@@ -696,7 +697,8 @@ void Store::begin() {
                 if (busy.isEmpty()) fail(sql, error);
                 throw StoreError(QStringLiteral("Erreur de la base de données %1 (%2) : %3")
                                      .arg(busy.join(QStringLiteral(", ")), operationOf(sql),
-                                          describeEngineError(error)));
+                                          describeEngineError(error)),
+                                 true);
             }
         }
     } else {
@@ -792,12 +794,20 @@ Snapshot::~Snapshot() {
     q.exec(QStringLiteral("COMMIT"));
 }
 
+bool heldElsewhere(const QSqlError& error, bool server) {
+    const QString code = error.nativeErrorCode();
+    if (server)
+        return code == QStringLiteral("40P01") || code == QStringLiteral("55P03") ||
+               code == QStringLiteral("40001");
+    const int primary = code.toInt() & 0xff;
+    return primary == 5 || primary == 6;  // SQLITE_BUSY, SQLITE_LOCKED
+}
+
 QString describeEngineError(const QSqlError& error, bool server) {
     QString cause;
     if (server) {
         const QString state = error.nativeErrorCode();
-        if (state == QStringLiteral("40P01") || state == QStringLiteral("55P03") ||
-            state == QStringLiteral("40001"))
+        if (heldElsewhere(error, true))
             cause = QStringLiteral(
                 "la base est utilisée par un autre poste (réessayez dans un instant)");
         else if (state == QStringLiteral("53100"))

@@ -165,5 +165,8 @@ void prepareFile(const QString& dataFolder, File f);
 // The operator's words for an engine error: what usually causes it in French,
 // the engine's own text in brackets for support.
 QString describeEngineError(const QSqlError& error, bool server = false);
+// Whether the error means another workstation held the data (busy, locked,
+// deadlock): worth trying again in a moment.
+bool heldElsewhere(const QSqlError& error, bool server = false);
 
 }  // namespace orve::store
