@@ -1,6 +1,9 @@
 #include "app/Session.h"
 
 #include <QDir>
+#include <QSettings>
+
+#include "store/Seasons.h"
 
 namespace orve::app {
 
@@ -14,6 +17,14 @@ Session::Session(QString programFolder, QString dataFolder, QString invoiceFolde
       m_clock(clock) {}
 
 QString Session::settingsPath() const { return QDir(m_programFolder).filePath("orve.ini"); }
+
+int Session::workingSeason() const {
+    const QSettings ini(settingsPath(), QSettings::IniFormat);
+    bool ok = false;
+    const int configured = ini.value(QStringLiteral("saison/courante")).toString().trimmed().toInt(&ok);
+    if (ok && configured >= store::kFirstSeason && configured < 10000) return configured;
+    return store::seasonOf(today());
+}
 
 void Session::setUser(const Operator& user) {
     m_user = user;

@@ -63,6 +63,9 @@ class Session {
 
     Clock& clock() { return m_clock; }
     QDate today() const { return m_clock.today(); }
+    // The season the federation is working in: orve.ini [saison] courante
+    // when set, else the season of today's date.
+    int workingSeason() const;
 
   private:
     QString m_programFolder;

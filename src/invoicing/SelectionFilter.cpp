@@ -5,6 +5,7 @@
 #include "invoicing/InvoiceRecords.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
+#include "store/Seasons.h"
 
 namespace orve::invoicing {
 
@@ -23,14 +24,6 @@ QString natureTypeOfMode(const QString& mode) {
     for (const auto& [m, t] : kTypes)
         if (mode.trimmed() == QLatin1String(m)) return QString::fromLatin1(t);
     return QString();
-}
-
-int seasonOf(const QDate& day) { return day.month() >= 9 ? day.year() + 1 : day.year(); }
-
-QStringList seasonList(const QDate& today) {
-    QStringList out;
-    for (int s = kFirstSeason; s <= seasonOf(today) + 1; ++s) out << QString::number(s);
-    return out;
 }
 
 std::optional<QString> monthKeyOfMask(const QString& mask) {
@@ -124,10 +117,10 @@ SelectionCondition buildSelectionCondition(const SelectionState& s) {
 }
 
 SelectionLists loadSelectionLists(const store::Store& store, const QString& mode,
-                                  const QDate& today) {
+                                  int workingSeason) {
     SelectionLists l;
-    l.seasons = seasonList(today);
-    l.defaultSeason = QString::number(seasonOf(today));
+    l.seasons = store::seasonChoices(workingSeason);
+    l.defaultSeason = QString::number(workingSeason);
     l.types << kAll;
     for (const auto& r :
          store.select(QStringLiteral("SELECT t_code FROM strtypec ORDER BY t_code")))

@@ -17,7 +17,6 @@ inline const QString kAll = QStringLiteral("Tous");
 inline const QString kEmptyMonthMask = QStringLiteral("__/____");
 inline const QString kNoMonth = QStringLiteral("000000");
 inline const QString kNoCompetition = QStringLiteral("00000000");
-inline constexpr int kFirstSeason = 2013;
 
 // The panel's state, as its controls hold it. Combo texts are kept whole
 // ("LR06 # Provence", "Tous"); the rule takes the key itself.
@@ -56,11 +55,6 @@ QString comboKey(const QString& item, bool labelFirst = false);
 // The nature type of a screen mode: "LIC" → "LI", "DIV" → "DV", ... ; "" when unknown.
 QString natureTypeOfMode(const QString& mode);
 
-// The season a day falls in: season s runs from (s−1)-09-01 to s-08-31.
-int seasonOf(const QDate& day);
-// From 2013 to the season after the one in progress.
-QStringList seasonList(const QDate& today);
-
 // "11/26" and "11/2026" give "202611"; the empty mask gives "000000";
 // anything else is refused with nothing.
 std::optional<QString> monthKeyOfMask(const QString& mask);
@@ -85,7 +79,7 @@ struct SelectionLists {
     QString defaultSeason;             // the season in progress
 };
 SelectionLists loadSelectionLists(const store::Store& store, const QString& mode,
-                                  const QDate& today);
+                                  int workingSeason);
 // The departments offered once a league organiser is chosen ("Tous" for all).
 QStringList loadDepartments(const store::Store& store, const QString& leagueItem);
 

@@ -4,10 +4,12 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QSettings>
 
 #include "invoicing/SelectionFilter.h"
 #include "invoicing/ui/SelectionPanel.h"
 #include "store/Refusal.h"
+#include "store/Seasons.h"
 #include "support/TestInstall.h"
 
 using namespace orve;
@@ -125,10 +127,12 @@ TEST(SelectionFilter, MonthInvoiceNumberSeasonsAndModes) {
     st.month = "13/2026";
     EXPECT_THROW(buildSelectionCondition(st), Refusal);
 
-    const QStringList seasons = seasonList(QDate(2026, 11, 21));
+    EXPECT_EQ(store::seasonOf(QDate(2026, 11, 21)), 2027);
+    EXPECT_EQ(store::seasonOf(QDate(2026, 8, 31)), 2026);
+    EXPECT_EQ(store::seasonOf(QDate(2026, 9, 1)), 2027);
+    const QStringList seasons = store::seasonChoices(2027);
     EXPECT_EQ(seasons.first(), "2013");
     EXPECT_EQ(seasons.last(), "2028");
-    EXPECT_EQ(seasonList(QDate(2026, 8, 31)).last(), "2027");
 
     EXPECT_EQ(natureTypeOfMode("LIC"), "LI");
     EXPECT_EQ(natureTypeOfMode("DIV"), "DV");
@@ -147,7 +151,7 @@ TEST(SelectionPanel, FilledFromTheStoreAndTurnedIntoACondition) {
     auto session = inst.start();
     app::ScriptedDialogs dialogs;
     SelectionPanel panel(dialogs);
-    panel.load(session->store(), "LIC", inst.today());
+    panel.load(session->store(), "LIC", session->workingSeason());
     auto combo = [&](int i) {
         return panel.findChild<QComboBox*>(QStringLiteral("Combo%1").arg(i));
     };
@@ -158,6 +162,17 @@ TEST(SelectionPanel, FilledFromTheStoreAndTurnedIntoACondition) {
 
     EXPECT_EQ(combo(1)->currentText(), "2027");
     EXPECT_EQ(combo(1)->itemText(combo(1)->count() - 1), "2028");
+    {
+        // A season set in orve.ini wins over today's date, for every chooser.
+        QSettings ini(session->settingsPath(), QSettings::IniFormat);
+        ini.setValue("saison/courante", "2025");
+    }
+    EXPECT_EQ(session->workingSeason(), 2025);
+    SelectionPanel configured(dialogs);
+    configured.load(session->store(), "LIC", session->workingSeason());
+    auto* seasons = configured.findChild<QComboBox*>(QStringLiteral("Combo1"));
+    EXPECT_EQ(seasons->currentText(), "2025");
+    EXPECT_EQ(seasons->itemText(seasons->count() - 1), "2026");
     // Natures of the mode's type only.
     QStringList natures;
     for (int i = 0; i < combo(3)->count(); ++i) natures << combo(3)->itemText(i);

@@ -94,7 +94,7 @@ ORVE_facture_creation::ORVE_facture_creation(app::Session& session, app::Dialogs
 
     app::guarded(m_dialogs, [&] {
         m_chooser->load();
-        m_list->panel()->load(m_session.store(), m_mode.code, m_session.today());
+        m_list->panel()->load(m_session.store(), m_mode.code, m_session.workingSeason());
         loadArticles(m_nature);
         relist();
     });

@@ -71,9 +71,9 @@ SelectionPanel::SelectionPanel(app::Dialogs& dialogs, QWidget* parent)
     grid->addWidget(m_competition, 4, 5);
 }
 
-void SelectionPanel::load(const store::Store& store, const QString& mode, const QDate& today) {
+void SelectionPanel::load(const store::Store& store, const QString& mode, int workingSeason) {
     m_store = &store;
-    const SelectionLists lists = loadSelectionLists(store, mode, today);
+    const SelectionLists lists = loadSelectionLists(store, mode, workingSeason);
     m_filling = true;
     fill(m_combos[0], lists.seasons, lists.defaultSeason);
     fill(m_combos[1], lists.types);

@@ -24,7 +24,7 @@ class SelectionPanel : public QWidget {
 
     // Fills every list for a screen mode ("LIC", "DIV", "COMPET", ...) and
     // puts the controls back to their starting values. Throws StoreError.
-    void load(const store::Store& store, const QString& mode, const QDate& today);
+    void load(const store::Store& store, const QString& mode, int workingSeason);
 
     SelectionState state() const;
     // Throws Refusal for a month that is not one.
