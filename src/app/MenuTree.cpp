@@ -90,6 +90,7 @@ const std::vector<MenuEntry>& menuTree() {
         tool("mnu_outils_14", "index compet 24967"),
         tool("mnu_outils_15", "doublon facture entete"),
         tool("mnu_outils_16", "&Retransférer CHAF en compta"),
+        tool("mnu_outils_verif", "&Vérification des données"),
         hidden(0, "int_1", "Intégration competitions privées", "10"),
         hidden(0, "int_2", "Creation competition fédérales", "6"),
         top("mnu_quitter", "&Quitter"),

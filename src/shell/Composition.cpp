@@ -6,6 +6,7 @@
 #include "competitions/PseudoCompetitions.h"
 #include "invoicing/InvoicingBatch.h"
 #include "shell/DemoData.h"
+#include "tools/ToolsBatch.h"
 
 namespace orve::shell {
 
@@ -37,6 +38,7 @@ void registerBatchCommands(app::BatchRegistry& registry) {
     registry.add({QStringLiteral("init-demo"), kInitDemoUsage, initDemo});
     invoicing::registerInvoicingBatchCommands(registry);
     invoicing::registerInvoiceLoadCommand(registry);
+    tools::registerToolsBatchCommands(registry);
 }
 
 }  // namespace orve::shell
