@@ -5,6 +5,7 @@
 #include "app/Startup.h"
 #include "competitions/PseudoCompetitions.h"
 #include "invoicing/InvoicingBatch.h"
+#include "invoicing/MailBatch.h"
 #include "shell/DemoData.h"
 
 namespace orve::shell {
@@ -37,6 +38,7 @@ void registerBatchCommands(app::BatchRegistry& registry) {
     registry.add({QStringLiteral("init-demo"), kInitDemoUsage, initDemo});
     invoicing::registerInvoicingBatchCommands(registry);
     invoicing::registerInvoiceLoadCommand(registry);
+    invoicing::registerMailBatchCommands(registry);
 }
 
 }  // namespace orve::shell

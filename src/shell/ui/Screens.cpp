@@ -2,12 +2,14 @@
 
 #include "invoicing/ui/InvoicingScreens.h"
 #include "reference/ui/ReferenceScreens.h"
+#include "tools/ui/MailToolScreens.h"
 
 namespace orve::shell {
 
 void registerScreens(app::ScreenCatalog& catalog) {
     reference::registerReferenceScreens(catalog);
     invoicing::registerInvoicingScreens(catalog);
+    tools::registerMailToolScreens(catalog);
 }
 
 }  // namespace orve::shell
