@@ -5,6 +5,7 @@
 #include "app/Startup.h"
 #include "competitions/PseudoCompetitions.h"
 #include "invoicing/InvoicingBatch.h"
+#include "invoicing/MailBatch.h"
 #include "shell/DemoData.h"
 #include "tools/ToolsBatch.h"
 
@@ -39,6 +40,7 @@ void registerBatchCommands(app::BatchRegistry& registry) {
     invoicing::registerInvoicingBatchCommands(registry);
     invoicing::registerInvoiceLoadCommand(registry);
     tools::registerToolsBatchCommands(registry);
+    invoicing::registerMailBatchCommands(registry);
 }
 
 }  // namespace orve::shell

@@ -39,9 +39,6 @@ InvoiceListView::InvoiceListView(app::Dialogs& dialogs, QWidget* parent) : QWidg
                QStringLiteral("Générer des avoirs pour les factures affichées"), criteria);
     auto* mail = button(QStringLiteral("CmdEnvoiMail_bis"),
                         QStringLiteral("Envoyer les Factures affichées par mail "), criteria);
-    // Mailing belongs to the mailing screen's work; the buttons keep their place.
-    unsent->setEnabled(false);
-    mail->setEnabled(false);
     for (auto* b : {back, unsent, credit, mail}) buttons->addWidget(b);
     buttons->addStretch(1);
     cl->addLayout(buttons);
@@ -51,6 +48,39 @@ InvoiceListView::InvoiceListView(app::Dialogs& dialogs, QWidget* parent) : QWidg
     m_gridBox->setObjectName(QStringLiteral("Frame_liste"));
     auto* gl = new QVBoxLayout(m_gridBox);
     m_grid = new app::DataGrid(QStringLiteral("DBGrid1"), m_gridBox);
+    m_grid->setEditable(true);
+    m_all = button(QStringLiteral("cmdtoutes"), QStringLiteral("TOUTES"), m_gridBox);
+    m_all->setVisible(false);
+    auto* tools = new QHBoxLayout;
+    tools->addWidget(m_all);
+    tools->addStretch(1);
+    gl->addLayout(tools);
+    gl->addWidget(m_grid);
+    layout->addWidget(m_gridBox, 1);
+    showListing();
+
+    auto* summary = new QGroupBox(QStringLiteral("Récapitulatif de la sélection"), this);
+    auto* sl = new QHBoxLayout(summary);
+    m_total = new QLabel(summary);
+    m_total->setObjectName(QStringLiteral("lbltotal"));
+    m_quantity = new QLabel(summary);
+    m_quantity->setObjectName(QStringLiteral("lblqte"));
+    sl->addWidget(m_total);
+    sl->addSpacing(40);
+    sl->addWidget(m_quantity);
+    sl->addStretch(1);
+    layout->addWidget(summary);
+
+    connect(back, &QPushButton::clicked, this, &InvoiceListView::backRequested);
+    connect(credit, &QPushButton::clicked, this, &InvoiceListView::creditNotesRequested);
+    connect(unsent, &QPushButton::clicked, this, &InvoiceListView::unsentListRequested);
+    connect(mail, &QPushButton::clicked, this, &InvoiceListView::mailRequested);
+    connect(m_all, &QPushButton::clicked, this, &InvoiceListView::tickAllRequested);
+}
+
+void InvoiceListView::showListing() {
+    m_mailing = false;
+    m_all->setVisible(false);
     // The tick comes after the index: a click on it ticks the invoice, a click
     // anywhere else opens it.
     m_grid->setColumns({{QStringLiteral("Index"), "c_index", Kind::Text},
@@ -72,24 +102,12 @@ InvoiceListView::InvoiceListView(app::Dialogs& dialogs, QWidget* parent) : QWidg
                         {QStringLiteral("Quantité"), "f_qte", Kind::Number},
                         {QStringLiteral("f_pu"), "f_pu", Kind::Currency},
                         {QStringLiteral("Montant"), "f_montant", Kind::Currency}});
-    m_grid->setEditable(true);
-    gl->addWidget(m_grid);
-    layout->addWidget(m_gridBox, 1);
+}
 
-    auto* summary = new QGroupBox(QStringLiteral("Récapitulatif de la sélection"), this);
-    auto* sl = new QHBoxLayout(summary);
-    m_total = new QLabel(summary);
-    m_total->setObjectName(QStringLiteral("lbltotal"));
-    m_quantity = new QLabel(summary);
-    m_quantity->setObjectName(QStringLiteral("lblqte"));
-    sl->addWidget(m_total);
-    sl->addSpacing(40);
-    sl->addWidget(m_quantity);
-    sl->addStretch(1);
-    layout->addWidget(summary);
-
-    connect(back, &QPushButton::clicked, this, &InvoiceListView::backRequested);
-    connect(credit, &QPushButton::clicked, this, &InvoiceListView::creditNotesRequested);
+void InvoiceListView::showMailingList(const std::vector<app::GridColumn>& columns) {
+    m_mailing = true;
+    m_all->setVisible(true);
+    m_grid->setColumns(columns);
 }
 
 void InvoiceListView::setCaption(const QString& caption) { m_gridBox->setTitle(caption); }

@@ -8,6 +8,7 @@
 
 class QGroupBox;
 class QLabel;
+class QPushButton;
 
 namespace orve::invoicing {
 
@@ -22,10 +23,18 @@ class InvoiceListView : public QWidget {
     app::DataGrid* grid() const { return m_grid; }
     void setCaption(const QString& caption);
     void setTotals(const QString& amount, const QString& quantity);
+    // The grid lists the invoice lines (the listing's own columns), or the
+    // headers offered for mailing with their own columns and "TOUTES".
+    void showListing();
+    void showMailingList(const std::vector<app::GridColumn>& columns);
+    bool mailingListShown() const { return m_mailing; }
 
   signals:
     void backRequested();
     void creditNotesRequested();
+    void unsentListRequested();  // cmdvisu_fd_mail
+    void mailRequested();        // CmdEnvoiMail_bis
+    void tickAllRequested();     // TOUTES
 
   private:
     SelectionPanel* m_panel;
@@ -33,6 +42,8 @@ class InvoiceListView : public QWidget {
     QGroupBox* m_gridBox;
     QLabel* m_total;
     QLabel* m_quantity;
+    QPushButton* m_all;
+    bool m_mailing = false;
 };
 
 }  // namespace orve::invoicing

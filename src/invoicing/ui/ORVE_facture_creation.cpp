@@ -14,6 +14,8 @@
 #include "invoicing/ui/InvoiceHeaderBox.h"
 #include "invoicing/ui/InvoiceLineEditor.h"
 #include "invoicing/ui/InvoiceListView.h"
+#include "invoicing/ui/InvoiceMailPanel.h"
+#include "invoicing/ui/InvoiceMailingFlow.h"
 #include "invoicing/ui/InvoiceOutput.h"
 #include "invoicing/ui/InvoicePartyChooser.h"
 #include "store/Formats.h"
@@ -60,8 +62,11 @@ ORVE_facture_creation::ORVE_facture_creation(app::Session& session, app::Dialogs
     cl->addWidget(m_header, 2);
     cl->addWidget(m_lines, 4);
     m_list = new InvoiceListView(dialogs, m_pages);
+    m_mailPanel = new InvoiceMailPanel(dialogs, m_pages);
     m_pages->addWidget(creation);
     m_pages->addWidget(m_list);
+    m_pages->addWidget(m_mailPanel);
+    m_mailing = new InvoiceMailingFlow(session, dialogs, m_list, m_mailPanel, this);
     layout->addWidget(m_pages, 1);
 
     connect(showListButton, &QPushButton::clicked, this, &ORVE_facture_creation::showList);
@@ -91,6 +96,19 @@ ORVE_facture_creation::ORVE_facture_creation(app::Session& session, app::Dialogs
     connect(m_list->grid(), &app::DataGrid::rowChosen, this,
             &ORVE_facture_creation::openListedInvoice);
     connect(m_list->grid(), &app::DataGrid::cellEdited, this, &ORVE_facture_creation::tick);
+    connect(m_list, &InvoiceListView::unsentListRequested, this,
+            [this] { m_mailing->showUnsent(mailingNature()); });
+    connect(m_list, &InvoiceListView::tickAllRequested, m_mailing, &InvoiceMailingFlow::tickAll);
+    connect(m_list, &InvoiceListView::mailRequested, m_mailing, &InvoiceMailingFlow::requestMail);
+    connect(m_mailPanel, &InvoiceMailPanel::sendRequested, m_mailing, &InvoiceMailingFlow::send);
+    connect(m_mailPanel, &InvoiceMailPanel::cancelRequested, this,
+            [this] { m_pages->setCurrentIndex(1); });
+    connect(m_mailing, &InvoiceMailingFlow::panelOpened, this,
+            [this] { m_pages->setCurrentIndex(2); });
+    connect(m_mailing, &InvoiceMailingFlow::panelClosed, this, [this] {
+        m_pages->setCurrentIndex(1);
+        if (!m_list->mailingListShown()) relist();
+    });
 
     app::guarded(m_dialogs, [&] {
         m_chooser->load();
@@ -248,6 +266,7 @@ void ORVE_facture_creation::showList() {
 
 void ORVE_facture_creation::relist() {
     app::guarded(m_dialogs, [&] {
+        m_list->showListing();
         const ListingTotals totals =
             refreshInvoiceListing(m_session.store(), m_mode, m_list->panel()->condition());
         m_list->setCaption(kListCaption);
@@ -257,7 +276,14 @@ void ORVE_facture_creation::relist() {
     });
 }
 
+// The nature chosen in the panel, else the mode's own (every mode but COMPET has one).
+QString ORVE_facture_creation::mailingNature() const {
+    const QString chosen = comboKey(m_list->panel()->state().nature);
+    return chosen.isEmpty() ? m_mode.nature : chosen;
+}
+
 void ORVE_facture_creation::openListedInvoice(int row) {
+    if (m_list->mailingListShown()) return m_mailing->rowChosen(row);
     app::DataGrid* grid = m_list->grid();
     const QString number = grid->value(row, QStringLiteral("c_num_facture")).toString().trimmed();
     if (number.isEmpty()) return;
@@ -295,6 +321,7 @@ void ORVE_facture_creation::openListedInvoice(int row) {
 }
 
 void ORVE_facture_creation::tick(int row, const QString& field, const QString& text) {
+    if (m_list->mailingListShown()) return m_mailing->cellEdited(row, field, text);
     app::guarded(m_dialogs, [&] {
         // Only the tick column is the operator's to type into.
         if (field == QStringLiteral("c_edt"))
@@ -307,6 +334,7 @@ void ORVE_facture_creation::tick(int row, const QString& field, const QString& t
 
 void ORVE_facture_creation::issueCreditNotes() {
     app::guarded(m_dialogs, [&] {
+        m_list->showListing();
         const std::vector<QString> ticked = tickedInvoices(m_session.store());
         const CreditNoteCheck check = checkCreditNotes(m_session.store(), ticked);
         m_list->grid()->setQuery(m_session.store().scratch(), invoiceListingQuery(true));

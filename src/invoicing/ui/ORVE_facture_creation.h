@@ -14,6 +14,8 @@ namespace orve::invoicing {
 class InvoiceHeaderBox;
 class InvoiceLineEditor;
 class InvoiceListView;
+class InvoiceMailPanel;
+class InvoiceMailingFlow;
 class InvoicePartyChooser;
 
 // "Création de factures ": invoices made by hand in one of six modes, one at
@@ -40,6 +42,7 @@ class ORVE_facture_creation : public QWidget {
     void openListedInvoice(int row);
     void tick(int row, const QString& field, const QString& text);
     void issueCreditNotes();
+    QString mailingNature() const;
     void loadArticles(const QString& nature);
     EntryHeaderState headerState() const;
 
@@ -57,6 +60,8 @@ class ORVE_facture_creation : public QWidget {
     InvoiceHeaderBox* m_header;
     InvoiceLineEditor* m_lines;
     InvoiceListView* m_list;
+    InvoiceMailPanel* m_mailPanel;
+    InvoiceMailingFlow* m_mailing;
 };
 
 }  // namespace orve::invoicing

@@ -3,6 +3,7 @@
 #include "invoicing/ui/InvoicingScreens.h"
 #include "reference/ui/ReferenceScreens.h"
 #include "tools/ui/ToolScreens.h"
+#include "tools/ui/MailToolScreens.h"
 
 namespace orve::shell {
 
@@ -10,6 +11,7 @@ void registerScreens(app::ScreenCatalog& catalog) {
     reference::registerReferenceScreens(catalog);
     invoicing::registerInvoicingScreens(catalog);
     tools::registerToolScreens(catalog);
+    tools::registerMailToolScreens(catalog);
 }
 
 }  // namespace orve::shell
