@@ -32,7 +32,7 @@ CalculationDecision decideRow(const CalculationInput& row, const QString& nature
 // `stillOpen` is true while the card has unvalidated changes: Refusal
 // "Vous devez d'abord valider cette compétition". Resets every unfinished
 // row first (all competitions), then marks; returns how many rows are "C".
-int calculateCompetition(store::Store& store, const reference::Viewer& viewer,
-                         const QString& index, const QString& nature, bool stillOpen);
+int calculateCompetition(store::Store& store, const reference::Viewer& viewer, const QString& index,
+                         const QString& nature, bool stillOpen);
 
 }  // namespace orve::competitions

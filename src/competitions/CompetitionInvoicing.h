@@ -24,11 +24,11 @@ inline const QString kLineFeeArticle = QStringLiteral("99999990");
 struct InvoicingPlan {
     QString index;
     QString season;
-    int rows = 0;               // rows in state "C"
+    int rows = 0;                 // rows in state "C"
     bool asksEntryPrice = false;  // entry fees billed: Frame3
     bool asksLinePrice = false;   // lines billed: Frame4
-    Money entryTariff;  // the season's tariff of 99999991 (0 when none)
-    Money lineTariff;   // the season's tariff of 99999990
+    Money entryTariff;            // the season's tariff of 99999991 (0 when none)
+    Money lineTariff;             // the season's tariff of 99999990
 };
 // Refusal "Aucune facture à émettre." when no row is "C".
 InvoicingPlan planInvoicing(const store::Store& store, const QString& index);
@@ -51,12 +51,9 @@ struct PartyRowCounts {
 };
 // The lines of one party row's invoice (pure): national natures with their
 // fixed prices, else entry fees and lines as billed.
-std::vector<invoicing::InvoiceLine> competitionInvoiceLines(const PartyRowCounts& row,
-                                                            const QString& nature,
-                                                            int playersPerTeam, bool billEntry,
-                                                            bool billLines, bool national,
-                                                            const QString& competitionTitle,
-                                                            const InvoicingPrices& prices);
+std::vector<invoicing::InvoiceLine> competitionInvoiceLines(
+    const PartyRowCounts& row, const QString& nature, int playersPerTeam, bool billEntry,
+    bool billLines, bool national, const QString& competitionTitle, const InvoicingPrices& prices);
 
 // Called between whole invoices with "done of total"; false cancels.
 using InvoicingProgress = std::function<bool(int done, int total)>;
@@ -67,10 +64,14 @@ struct InvoicingOutcome {
     bool cancelled = false;
 };
 
-// Writes one invoice per "C" row (each invoice with its lines and its row,
-// "A", in one transaction), then renders the documents on every core and
-// marks each row "F" once its file is on disk. A cancel stops between whole
-// invoices. Throws StoreError or a file error; what was done stays done.
+// Writes one invoice per "C" row (each invoice with its lines in one
+// transaction, then its row "A"), then renders the documents on every core
+// and marks each row "F" once its file is on disk; the competition closes
+// ("F") when a run leaves every party row "F". An invoice a killed run wrote
+// without reaching its row is taken over, not written twice. A cancel stops
+// between whole invoices. Refusal "Aucune facture à émettre." when no row
+// owes anything, "Veuillez saisir un tarif" for a price billed that is not
+// above 0. Throws StoreError or a file error; what was done stays done.
 InvoicingOutcome invoiceCompetition(store::Store& store, const reference::Viewer& viewer,
                                     const invoicing::DocumentSettings& settings,
                                     const QString& index, const InvoicingPrices& prices,

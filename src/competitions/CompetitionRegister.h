@@ -34,14 +34,14 @@ struct CompetitionRecord {
     QString season;
     QString type = kFederalType;
     QString title;
-    QString composition;  // c_formule, "1" to "5"
-    QString nature;       // c_nature
-    QString billedKind = kClubs;  // c_nat_fact: kClubs or kCommittees
-    bool billEntry = true;        // c_fact_engagement "O"/"N"
-    bool billLines = true;        // c_fact_ligne "O"/"N"
+    QString composition;                             // c_formule, "1" to "5"
+    QString nature;                                  // c_nature
+    QString billedKind = kClubs;                     // c_nat_fact: kClubs or kCommittees
+    bool billEntry = true;                           // c_fact_engagement "O"/"N"
+    bool billLines = true;                           // c_fact_ligne "O"/"N"
     QString eliminatoryLines = QStringLiteral("0");  // c_ligne_eliminatoire
     QString finalLines = QStringLiteral("0");        // c_ligne_finale
-    QString date;  // c_date_finale, "dd/mm/yyyy"
+    QString date;                                    // c_date_finale, "dd/mm/yyyy"
 };
 
 // "12/03/2027" gives "20270312"; an invalid date gives "".

@@ -3,6 +3,7 @@
 #include <QDir>
 
 #include "app/Startup.h"
+#include "competitions/CompetitionBatch.h"
 #include "competitions/PseudoCompetitions.h"
 #include "invoicing/InvoicingBatch.h"
 #include "shell/DemoData.h"
@@ -37,6 +38,7 @@ void registerBatchCommands(app::BatchRegistry& registry) {
     registry.add({QStringLiteral("init-demo"), kInitDemoUsage, initDemo});
     invoicing::registerInvoicingBatchCommands(registry);
     invoicing::registerInvoiceLoadCommand(registry);
+    competitions::registerCompetitionBatchCommands(registry);
 }
 
 }  // namespace orve::shell
