@@ -8,10 +8,16 @@
 #include <QMutex>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSaveFile>
+#include <QThread>
+#include <QThreadPool>
+#include <algorithm>
 #include <cerrno>
+#include <condition_variable>
 #include <cstring>
+#include <mutex>
 
 #include "invoicing/InvoiceDocument.h"
 #include "invoicing/InvoiceLayout.h"
@@ -20,6 +26,8 @@
 #include "store/Refusal.h"
 
 #ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -185,6 +193,114 @@ void writeDocument(const QString& path, const QByteArray& bytes) {
     if (!file.commit()) throw writeFailure(path, errno, file.errorString());
 }
 
+#ifdef Q_OS_UNIX
+// Six letters or digits: the suffix of a temporary, as QSaveFile makes them,
+// so that a run killed while writing leaves what removeLeftovers knows.
+QByteArray temporarySuffix() {
+    static const char kChars[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+    QByteArray s(6, '0');
+    for (char& c : s) c = kChars[QRandomGenerator::global()->bounded(62)];
+    return s;
+}
+#endif
+
+// A batch's document: whole in a temporary of its own, then renamed over
+// the older file, as writeDocument; the sync is left to the batch, which
+// makes a group of files durable at once before marking them
+// (makeDurable): a sync per file would cost more than drawing it.
+void writeDocumentUnsynced(const QString& path, const QByteArray& bytes) {
+#ifdef Q_OS_UNIX
+    const QString folder = QFileInfo(path).absolutePath();
+    if (!QDir().mkpath(folder))
+        throw StoreError(QStringLiteral("Impossible de créer le dossier des factures %1.")
+                             .arg(QDir::toNativeSeparators(folder)));
+    removeLeftovers(folder);
+    const QByteArray target = QFile::encodeName(path);
+    QByteArray temporary;
+    int fd = -1;
+    for (int attempt = 0; fd < 0 && attempt < 8; ++attempt) {
+        temporary = target + '.' + temporarySuffix();
+        fd = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (fd < 0 && errno != EEXIST) throw writeFailure(path, errno, QString());
+    }
+    if (fd < 0) throw writeFailure(path, EEXIST, QString());
+    const char* p = bytes.constData();
+    qint64 left = bytes.size();
+    int error = 0;
+    while (left > 0) {
+        const ssize_t n = ::write(fd, p, static_cast<size_t>(left));
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            error = errno;
+            break;
+        }
+        p += n;
+        left -= n;
+    }
+    if (::close(fd) != 0 && !error) error = errno;
+    if (!error && ::rename(temporary.constData(), target.constData()) != 0) error = errno;
+    if (error) {
+        ::unlink(temporary.constData());
+        throw writeFailure(path, error, QString());
+    }
+#else
+    writeDocument(path, bytes);
+#endif
+}
+
+// Every file of a group on the disk itself, with one sync where the system
+// offers one for the whole file system.
+void makeDurable(const std::vector<QString>& paths) {
+#ifdef Q_OS_UNIX
+#ifdef Q_OS_LINUX
+    if (!paths.empty()) {
+        const int fd = ::open(QFile::encodeName(paths.front()).constData(), O_RDONLY | O_CLOEXEC);
+        if (fd >= 0) {
+            const int result = ::syncfs(fd);
+            const int error = errno;
+            ::close(fd);
+            if (result != 0) throw writeFailure(paths.front(), error, QString());
+            return;
+        }
+    }
+#endif
+    QStringList folders;
+    for (const QString& path : paths) {
+        const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+        if (fd < 0) throw writeFailure(path, errno, QString());
+        const int result = ::fsync(fd);
+        const int error = errno;
+        ::close(fd);
+        if (result != 0 && error != EINVAL) throw writeFailure(path, error, QString());
+        const QString folder = QFileInfo(path).absolutePath();
+        if (!folders.contains(folder)) folders << folder;
+    }
+    // The renames themselves.
+    for (const QString& folder : folders) {
+        const int fd = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_CLOEXEC);
+        if (fd >= 0) {
+            ::fsync(fd);
+            ::close(fd);
+        }
+    }
+#else
+    Q_UNUSED(paths);  // QSaveFile synced each file as it wrote it
+#endif
+}
+
+// What a finished document changes in the records: the header is printed
+// with its total, the competition row that carries its number is final.
+void markPrinted(store::Store& store, const QString& number, Money total) {
+    store.update(
+        QStringLiteral("strentete"),
+        {{"ent_fact_edt", "O"}, {"ent_montant", QVariant::fromValue<qint64>(total.cents())}},
+        QStringLiteral("ent_fact_no = ?"), {number});
+    store.update(
+        QStringLiteral("strcompetition"),
+        {{"c_facture", "F"}, {"c_edt_fact", "OUI"}, {"c_add_tiers", "N"}, {"c_envoi_mail", "N"}},
+        QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {number});
+}
+
 QString writePdf(const InvoiceDocumentData& doc, const DocumentSettings& settings) {
     const QString path =
         invoicePdfPath(settings.invoiceFolder, doc.account, doc.entity, doc.number);
@@ -210,14 +326,7 @@ QString generateInvoicePdf(store::Store& store, const DocumentSettings& settings
     const InvoiceDocumentData doc = loadInvoiceDocument(store, number);
     const QString path = writePdf(doc, settings);
     store::Transaction tx(store);
-    store.update(
-        QStringLiteral("strentete"),
-        {{"ent_fact_edt", "O"}, {"ent_montant", QVariant::fromValue<qint64>(doc.total().cents())}},
-        QStringLiteral("ent_fact_no = ?"), {doc.number});
-    store.update(
-        QStringLiteral("strcompetition"),
-        {{"c_facture", "F"}, {"c_edt_fact", "OUI"}, {"c_add_tiers", "N"}, {"c_envoi_mail", "N"}},
-        QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {doc.number});
+    markPrinted(store, doc.number, doc.total());
     tx.commit();
     return path;
 }
@@ -240,6 +349,191 @@ std::vector<QString> generateCreditNotePdfs(store::Store& store, const DocumentS
         written.push_back(path);
     }
     return written;
+}
+
+namespace {
+
+// Documents queued ahead of the workers, per worker: enough that a worker
+// never waits for the store's thread, few enough that a stop is quick.
+constexpr int kQueuedPerWorker = 4;
+// Files made durable and marked together: one sync and one transaction.
+constexpr int kMarkedTogether = 16;
+// Tries of a group's marks while another workstation holds their rows.
+constexpr int kMarkAttempts = 5;
+
+// Fonts and pictures are set up once per program on the store's thread,
+// before any worker draws.
+std::once_flag warmedUp;
+
+}  // namespace
+
+struct DocumentRun::Shared {
+    struct Written {
+        int order = 0;
+        QString number;
+        QString path;
+        Money total;
+    };
+    QThreadPool pool;
+    std::mutex mutex;
+    std::condition_variable changed;
+    int underWay = 0;
+    std::vector<Written> written;  // by the workers, not yet collected
+    std::exception_ptr failure;
+    // The store's thread's own: collected, not yet marked.
+    std::vector<Written> collected;
+};
+
+DocumentRun::DocumentRun(store::Store& store, const DocumentSettings& settings)
+    : m_store(store), m_settings(settings), m_shared(std::make_shared<Shared>()) {
+    m_shared->pool.setMaxThreadCount(std::max(1, QThread::idealThreadCount()));
+}
+
+DocumentRun::~DocumentRun() { m_shared->pool.waitForDone(); }
+
+int DocumentRun::marked() const { return m_marked; }
+
+void DocumentRun::add(const QString& number) {
+    rethrowFailure();
+    add([&] {
+        try {
+            return loadInvoiceDocument(m_store, number);
+        } catch (...) {
+            // The documents under way are still finished and marked.
+            try {
+                finish();
+            } catch (...) {
+            }
+            throw;
+        }
+    }());
+}
+
+void DocumentRun::add(const InvoiceDocumentData& doc) {
+    rethrowFailure();
+    std::call_once(warmedUp, [&] {
+        renderPdf(invoicePdfPath(m_settings.invoiceFolder, doc.account, doc.entity, doc.number),
+                  doc, m_settings);
+    });
+    const int capacity = m_shared->pool.maxThreadCount() * kQueuedPerWorker;
+    for (;;) {
+        {
+            std::lock_guard lock(m_shared->mutex);
+            if (m_shared->underWay < capacity) break;
+        }
+        collect(true);
+        markCollected(false);
+    }
+    const int order = static_cast<int>(m_paths.size());
+    m_paths.emplace_back();
+    {
+        std::lock_guard lock(m_shared->mutex);
+        ++m_shared->underWay;
+    }
+    m_shared->pool.start([shared = m_shared, settings = m_settings, doc, order] {
+        Shared::Written w{order, doc.number, {}, doc.total()};
+        std::exception_ptr failure;
+        try {
+            w.path = invoicePdfPath(settings.invoiceFolder, doc.account, doc.entity, doc.number);
+            writeDocumentUnsynced(w.path, renderPdf(w.path, doc, settings));
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        std::lock_guard lock(shared->mutex);
+        if (failure) {
+            if (!shared->failure) shared->failure = failure;
+        } else {
+            shared->written.push_back(std::move(w));
+        }
+        --shared->underWay;
+        shared->changed.notify_all();
+    });
+    collect(false);
+    markCollected(false);
+}
+
+void DocumentRun::collect(bool waitForOne) {
+    std::unique_lock lock(m_shared->mutex);
+    if (waitForOne)
+        m_shared->changed.wait(
+            lock, [this] { return !m_shared->written.empty() || m_shared->underWay == 0; });
+    for (auto& w : m_shared->written) m_shared->collected.push_back(std::move(w));
+    m_shared->written.clear();
+}
+
+void DocumentRun::markCollected(bool force) {
+    auto& group = m_shared->collected;
+    if (group.empty() || (!force && static_cast<int>(group.size()) < kMarkedTogether)) return;
+    std::vector<QString> paths;
+    paths.reserve(group.size());
+    for (const auto& w : group) paths.push_back(w.path);
+    makeDurable(paths);
+    // By number: two runs marking the same invoices take their rows in the
+    // same order, so neither waits for the other in a circle.
+    std::sort(group.begin(), group.end(), [](const auto& a, const auto& b) {
+        return format::leadingNumber(a.number) < format::leadingNumber(b.number);
+    });
+    for (int attempt = 1;; ++attempt) {
+        try {
+            store::Transaction tx(m_store);
+            for (const auto& w : group) markPrinted(m_store, w.number, w.total);
+            tx.commit();
+            break;
+        } catch (const StoreError& e) {
+            // Another workstation held the rows a moment: the marks are made again.
+            if (!e.busy() || attempt == kMarkAttempts) throw;
+            QThread::msleep(50 * attempt);
+        }
+    }
+    for (const auto& w : group) m_paths[w.order] = w.path;
+    m_marked += static_cast<int>(group.size());
+    group.clear();
+}
+
+void DocumentRun::rethrowFailure() {
+    std::exception_ptr failure;
+    {
+        std::lock_guard lock(m_shared->mutex);
+        failure = m_shared->failure;
+    }
+    if (!failure) return;
+    m_shared->pool.waitForDone();
+    collect(false);
+    markCollected(true);
+    std::rethrow_exception(failure);
+}
+
+std::vector<QString> DocumentRun::finish(const DocumentProgress& progress) {
+    for (;;) {
+        {
+            std::lock_guard lock(m_shared->mutex);
+            if (m_shared->underWay == 0) break;
+        }
+        collect(true);
+        const int before = m_marked;
+        markCollected(false);
+        if (progress && m_marked != before) progress(m_marked, static_cast<int>(m_paths.size()));
+    }
+    collect(false);
+    markCollected(true);
+    rethrowFailure();
+    if (progress) progress(m_marked, static_cast<int>(m_paths.size()));
+    std::vector<QString> files;
+    for (const QString& p : m_paths)
+        if (!p.isEmpty()) files.push_back(p);
+    return files;
+}
+
+std::vector<QString> generateInvoicePdfs(store::Store& store, const DocumentSettings& settings,
+                                         const std::vector<QString>& numbers,
+                                         const DocumentProgress& progress) {
+    DocumentRun run(store, settings);
+    const int total = static_cast<int>(numbers.size());
+    for (const QString& number : numbers) {
+        if (progress && !progress(run.marked(), total)) break;
+        run.add(number);
+    }
+    return run.finish([&](int done, int) { return progress ? progress(done, total) : true; });
 }
 
 }  // namespace orve::invoicing

@@ -3,6 +3,7 @@
 #include <QDir>
 
 #include "app/Startup.h"
+#include "competitions/CompetitionBatch.h"
 #include "competitions/PseudoCompetitions.h"
 #include "invoicing/InvoicingBatch.h"
 #include "invoicing/MailBatch.h"
@@ -41,6 +42,7 @@ void registerBatchCommands(app::BatchRegistry& registry) {
     invoicing::registerInvoiceLoadCommand(registry);
     tools::registerToolsBatchCommands(registry);
     invoicing::registerMailBatchCommands(registry);
+    competitions::registerCompetitionBatchCommands(registry);
 }
 
 }  // namespace orve::shell

@@ -2,13 +2,16 @@
 
 #include <QDir>
 #include <QSettings>
+#include <tuple>
 
 #include "app/InstallationSetup.h"
 #include "app/Startup.h"
 #include "app/Users.h"
+#include "competitions/CompetitionRegister.h"
 #include "competitions/PseudoCompetitions.h"
 #include "invoicing/DemoInvoices.h"
 #include "store/Formats.h"
+#include "store/Refusal.h"
 #include "store/Store.h"
 
 namespace orve::shell {
@@ -426,6 +429,125 @@ void fillArticlesAndNatures(Store& s, int season) {
                                          "K.V.A.R.N.")}});
 }
 
+// Competitions of the working season, registered as their operators would,
+// with the team counts typed: a newcomer calculates and invoices at once.
+struct DemoCompetition {
+    reference::Viewer viewer;
+    const char* title;
+    const char* nature;
+    const char* composition;
+    const QString& kind;
+    bool entry, lines;
+    const char* eliminatoryLines;
+    const char* finalLines;
+    int month, day;  // in the season's second year
+    // Party code at the head of the row, and its three counts.
+    std::vector<std::tuple<const char*, const char*, const char*, const char*>> counts;
+};
+
+void fillCompetitions(Store& s, int season) {
+    using competitions::kClubs;
+    using competitions::kCommittees;
+    const reference::Viewer league{"ligue06", "LR06", "D1"};
+    const reference::Viewer committee{"CD13", "13", "D1"};
+    const reference::Viewer national{"gestu", "JKV", "D1"};
+    const DemoCompetition demo[] = {
+        {league,
+         "Championnat régional quadrettes",
+         "CDCNH",
+         "4",
+         kClubs,
+         true,
+         true,
+         "6",
+         "3",
+         3,
+         14,
+         {{"CL06001", "2", "2", "1"},
+          {"CL13001", "3", "2", "1"},
+          {"CL13002", "1", "0", "0"},
+          {"CL13003", "2", "1", "0"}}},
+        {league,
+         "Coupe des comités doublettes dames",
+         "CDCND",
+         "2",
+         kCommittees,
+         true,
+         false,
+         "0",
+         "0",
+         4,
+         11,
+         {{"CD013", "4", "0", "0"}, {"CD083", "2", "0", "0"}}},
+        {committee,
+         "Challenge départemental individuel",
+         "CDCNH",
+         "1",
+         kClubs,
+         true,
+         true,
+         "3",
+         "2",
+         2,
+         7,
+         {{"CL13001", "6", "4", "2"}, {"CL13002", "3", "0", "0"}, {"CL13003", "2", "2", "0"}}},
+        {national,
+         "Challenge fédéral",
+         "CHAF",
+         "4",
+         kClubs,
+         true,
+         false,
+         "0",
+         "0",
+         5,
+         23,
+         {{"LR06", "10", "4", "2"},
+          {"LR11", "6", "3", "1"},
+          {"LR21", "2", "1", "0"},
+          {"LR44", "5", "2", "1"},
+          {"LR69", "3", "1", "0"}}},
+        {national,
+         "Doublettes honneur",
+         "DBHON",
+         "2",
+         kClubs,
+         true,
+         false,
+         "0",
+         "0",
+         6,
+         6,
+         {{"LR06", "0", "3", "1"}, {"LR11", "0", "2", "2"}, {"LR33", "0", "1", "0"}}},
+    };
+    for (const auto& d : demo) {
+        competitions::CompetitionRecord r;
+        r.season = QString::number(season);
+        r.title = QString::fromUtf8(d.title);
+        r.nature = QString::fromUtf8(d.nature);
+        r.composition = QString::fromUtf8(d.composition);
+        r.billedKind = d.kind;
+        r.billEntry = d.entry;
+        r.billLines = d.lines;
+        r.eliminatoryLines = QString::fromUtf8(d.eliminatoryLines);
+        r.finalLines = QString::fromUtf8(d.finalLines);
+        r.date = format::displayDate(QDate(season, d.month, d.day));
+        const QString index = competitions::saveCompetition(s, d.viewer, r).index;
+        for (const auto& [code, teams, eliminatory, finals] : d.counts) {
+            const auto row = s.selectOne(
+                QStringLiteral("SELECT c_index FROM strcompetition WHERE index_reference = ? AND "
+                               "c_nom_organisateur LIKE ?"),
+                {index, QString::fromUtf8(code) + QStringLiteral(" - %")});
+            if (!row)
+                throw StoreError(QStringLiteral("Données de démonstration incomplètes : %1 dans %2")
+                                     .arg(QString::fromUtf8(code), index));
+            competitions::setTeamCounts(s, row->value(0).toString(),
+                                        {QString::fromUtf8(teams), QString::fromUtf8(eliminatory),
+                                         QString::fromUtf8(finals)});
+        }
+    }
+}
+
 void writeSettings(const QString& dir) {
     QSettings ini(QDir(dir).filePath(QStringLiteral("orve.ini")), QSettings::IniFormat);
     ini.beginGroup(QStringLiteral("federation"));
@@ -476,6 +598,7 @@ void createDemoInstallation(const QString& dir, const QDate& today, const QStrin
             {{"c_intitule", QStringLiteral("Licence Saison %1-%2").arg(season - 1).arg(season)}},
             QStringLiteral("c_index = ?"), {competitions::kLicenceIndex});
         invoicing::createDemoInvoices(*store, today);
+        fillCompetitions(*store, season);
         tx.commit();
     }
     for (const auto& u : demoUsers()) {

@@ -370,7 +370,7 @@ TEST(CreditNotes, InstallationFromBeforeTheOriginColumnOpensWhole) {
     EXPECT_EQ(test::onServer()
                   ? f.store().scalar("SELECT MAX(version) FROM facture.orve_version").toInt()
                   : f.store().scalar("PRAGMA facture.user_version").toInt(),
-              2);
+              10);
     // The old credit note is still one; new ones name their invoice again.
     EXPECT_FALSE(checkCreditNotes(f.store(), {kDemoCreditNote}).refused.empty());
     const QString note = issueCreditNotes(f.store(), {kLeagueInvoice}, f.today()).at(0).creditNote;

@@ -118,7 +118,7 @@ struct Fixture {
 TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     Fixture f;
     // The competition row that carries the number is marked with the header.
-    f.store().insert("strcompetition", {{"c_index", "FD700009"},
+    f.store().insert("strcompetition", {{"c_index", "FD799009"},
                                         {"c_facture", "A"},
                                         {"c_num_facture", kClubInvoice},
                                         {"c_edt_fact", "NON"},
@@ -143,7 +143,7 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     EXPECT_EQ(f.header(kClubInvoice, "ent_fact_edt"), "O");
     EXPECT_EQ(f.header(kClubInvoice, "ent_montant"), "80000");
     const auto comp =
-        f.store().selectOne("SELECT * FROM strcompetition WHERE c_index = 'FD700009'");
+        f.store().selectOne("SELECT * FROM strcompetition WHERE c_index = 'FD799009'");
     EXPECT_EQ(comp->value("c_facture").toString(), "F");
     EXPECT_EQ(comp->value("c_edt_fact").toString(), "OUI");
     EXPECT_EQ(comp->value("c_add_tiers").toString(), "N");
@@ -224,12 +224,12 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     EXPECT_TRUE(text.contains("14 rue des Neuf-Quilles, 75010 Paris"));
 
     // Regenerating replaces the same file and leaves nothing beside it.
-    f.store().exec("UPDATE strcompetition SET c_envoi_mail = 'O' WHERE c_index = 'FD700009'");
+    f.store().exec("UPDATE strcompetition SET c_envoi_mail = 'O' WHERE c_index = 'FD799009'");
     EXPECT_EQ(generateInvoicePdf(f.store(), f.settings, kClubInvoice), path);
     EXPECT_EQ(QDir(f.settings.invoiceFolder).entryList(QDir::Files).join(','),
               "CL13001_FN_2026000001.pdf");
     EXPECT_EQ(f.store()
-                  .scalar("SELECT c_envoi_mail FROM strcompetition WHERE c_index = 'FD700009'")
+                  .scalar("SELECT c_envoi_mail FROM strcompetition WHERE c_index = 'FD799009'")
                   .toString(),
               "N");
 }

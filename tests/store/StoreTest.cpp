@@ -47,7 +47,7 @@ TEST(Store, CreatesFiveFilesWithTheirTablesAndJoinsThem) {
     s.reset();
     s = freshStore(dir);
     EXPECT_EQ(s->scalar("SELECT count(*) FROM strentete").toInt(), 1);
-    EXPECT_EQ(s->scalar("PRAGMA facture.user_version").toInt(), 2);
+    EXPECT_EQ(s->scalar("PRAGMA facture.user_version").toInt(), 10);
 }
 
 TEST(Store, CodesCompareWithoutCaseAndCountsAsNumbers) {

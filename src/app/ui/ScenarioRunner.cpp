@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QHash>
 #include <QLabel>
@@ -265,6 +266,20 @@ void expectMessage(const Statement& s) {
     if (shown != s.word(1)) failWith(QStringLiteral("message was \"%1\"").arg(shown));
 }
 
+// A message whose end the scenario cannot know (a folder of the installation).
+void expectMessageStart(const Statement& s) {
+    if (s.dialogs.shown().empty()) failWith(QStringLiteral("no message was shown"));
+    const QString shown = s.dialogs.takeShown();
+    if (!shown.startsWith(s.word(1))) failWith(QStringLiteral("message was \"%1\"").arg(shown));
+}
+
+// A file the program made; a relative path is taken from the scenario's folder.
+void expectFile(const Statement& s) {
+    const QFileInfo file(s.word(1));
+    if (!file.isFile()) failWith(QStringLiteral("no file %1").arg(file.absoluteFilePath()));
+    if (file.size() == 0) failWith(QStringLiteral("%1 is empty").arg(file.absoluteFilePath()));
+}
+
 void expectText(const Statement& s) {
     const QString text = textOf(findControl(s.word(1)));
     if (text != s.word(2)) failWith(QStringLiteral("text is \"%1\"").arg(text));
@@ -351,6 +366,8 @@ const QHash<QString, Verb>& verbs() {
         {QStringLiteral("answer"), {1, answer}},
         {QStringLiteral("choose"), {1, choose}},
         {QStringLiteral("expect-message"), {1, expectMessage, true}},
+        {QStringLiteral("expect-message-start"), {1, expectMessageStart, true}},
+        {QStringLiteral("expect-file"), {1, expectFile}},
         {QStringLiteral("expect"), {1, expectText}},
         {QStringLiteral("expect-cell"), {4, expectCell}},
         {QStringLiteral("expect-rows"), {2, expectRows}},

@@ -1,5 +1,6 @@
 #include "shell/ui/Screens.h"
 
+#include "competitions/ui/CompetitionScreens.h"
 #include "invoicing/ui/InvoicingScreens.h"
 #include "reference/ui/ReferenceScreens.h"
 #include "tools/ui/ToolScreens.h"
@@ -12,6 +13,7 @@ void registerScreens(app::ScreenCatalog& catalog) {
     invoicing::registerInvoicingScreens(catalog);
     tools::registerToolScreens(catalog);
     tools::registerMailToolScreens(catalog);
+    competitions::registerCompetitionScreens(catalog);
 }
 
 }  // namespace orve::shell

@@ -1,0 +1,425 @@
+#include "competitions/ui/ORVE_ges_competition.h"
+
+#include <QComboBox>
+#include <QDir>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPrinterInfo>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QSignalBlocker>
+#include <QStyle>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "app/ui/ScreenSupport.h"
+#include "competitions/CompetitionCalculation.h"
+#include "competitions/ui/CompetitionCard.h"
+#include "competitions/ui/CompetitionTariffPanel.h"
+#include "competitions/ui/PartyRowsPanel.h"
+#include "competitions/ui/PriceFrame.h"
+#include "invoicing/DocumentSettings.h"
+#include "invoicing/InvoiceDocument.h"
+#include "invoicing/PrinterLookup.h"
+#include "invoicing/ui/InvoiceOutput.h"
+#include "reference/Natures.h"
+#include "store/Refusal.h"
+#include "store/Seasons.h"
+
+namespace orve::competitions {
+
+namespace {
+
+using Kind = app::GridColumn::Kind;
+
+QToolButton* imageButton(QWidget* parent, const QString& name, const QIcon& icon,
+                         const QString& tip) {
+    auto* b = new QToolButton(parent);
+    b->setObjectName(name);
+    b->setIcon(icon);
+    b->setIconSize(QSize(28, 28));
+    b->setAutoRaise(true);
+    b->setToolTip(tip);
+    return b;
+}
+
+// The printer named in orve.ini must be there before anything is made.
+void checkPrinter(const QString& printer) {
+    if (printer.isEmpty()) return;
+    QStringList names;
+    for (const QPrinterInfo& p : QPrinterInfo::availablePrinters()) names << p.printerName();
+    if (invoicing::findPrinter(names, printer) < 0)
+        throw Refusal(invoicing::printerNotFoundMessage(printer));
+}
+
+QString madeText(const InvoicingOutcome& outcome, const QString& folder) {
+    const QString where = QDir::toNativeSeparators(folder);
+    const int made = static_cast<int>(outcome.numbers.size());
+    QString text = outcome.cancelled ? QStringLiteral("Génération interrompue. ") : QString();
+    if (made == 0) return text + QStringLiteral("Aucune facture n'a été générée.");
+    text += made == 1 ? QStringLiteral("Facture générée : 1 (N° %1).").arg(outcome.numbers.front())
+                      : QStringLiteral("Factures générées : %1 (N° %2 à %3).")
+                            .arg(made)
+                            .arg(outcome.numbers.front(), outcome.numbers.back());
+    return text + QStringLiteral("\nDocuments (%1) dans le dossier : %2")
+                      .arg(outcome.files.size())
+                      .arg(where);
+}
+
+}  // namespace
+
+ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& dialogs,
+                                           QWidget* parent)
+    : QWidget(parent), m_session(session), m_dialogs(dialogs) {
+    app::makeScreenWindow(this, QStringLiteral("ORVE_ges_competition"),
+                          QStringLiteral("Les competitions à facturer"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 4, 6, 4);
+    layout->setSpacing(4);
+
+    auto* top = new QHBoxLayout;
+    m_seasons = new QComboBox(this);
+    m_seasons->setObjectName(QStringLiteral("cbo_saison"));
+    auto* caption = new QLabel(QStringLiteral("Les Compétitions à Facturer"), this);
+    QFont bold = caption->font();
+    bold.setBold(true);
+    caption->setFont(bold);
+    top->addWidget(new QLabel(QStringLiteral("Saison :"), this));
+    top->addWidget(m_seasons);
+    top->addSpacing(20);
+    top->addWidget(caption);
+    top->addStretch(1);
+    layout->addLayout(top);
+
+    m_competitions = new app::DataGrid(QStringLiteral("DBGrid1"), this);
+    m_competitions->setColumns(
+        {{QStringLiteral("Référence"), "c_index", Kind::Text},
+         {QStringLiteral("Saison"), "c_saison", Kind::Text},
+         {QStringLiteral("Type"), "c_type", Kind::Text},
+         {QStringLiteral("Nature"), "c_nature", Kind::Text},
+         {QStringLiteral("Intitulé"), "c_intitule", Kind::Text},
+         {QStringLiteral("date finale"), "c_date_finale", Kind::Text},
+         {QStringLiteral("Composition"), "c_formule", Kind::Text},
+         {QStringLiteral("Engagement"), "c_fact_engagement", Kind::Text},
+         {QStringLiteral("Lignage"), "c_fact_ligne", Kind::Text},
+         {QStringLiteral("Eliminatoire"), "c_ligne_eliminatoire", Kind::Text},
+         {QStringLiteral("Finale"), "c_ligne_finale", Kind::Text},
+         {QStringLiteral("tri_finale"), "c_tri_finale", Kind::Text}});
+    m_competitions->setMinimumHeight(110);
+    layout->addWidget(m_competitions, 3);
+
+    m_card = new CompetitionCard;
+    auto* scroll = new QScrollArea(this);
+    scroll->setWidget(m_card);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setMinimumHeight(m_card->sizeHint().height() + 4);
+    scroll->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
+    layout->addWidget(scroll);
+    auto* cardButtons = new QHBoxLayout;
+    m_add = new QPushButton(QStringLiteral("Ajout d'une compétition"), this);
+    m_add->setObjectName(QStringLiteral("CmdAjoutCompet"));
+    m_validate = new QPushButton(QStringLiteral("Valider"), this);
+    m_validate->setObjectName(QStringLiteral("CmdValideCompet"));
+    m_cancel = new QPushButton(QStringLiteral("Annuler"), this);
+    m_cancel->setObjectName(QStringLiteral("CmdAnnulCompet"));
+    cardButtons->addWidget(m_add);
+    cardButtons->addStretch(1);
+    cardButtons->addWidget(m_validate);
+    cardButtons->addWidget(m_cancel);
+    layout->addLayout(cardButtons);
+
+    auto* bottom = new QHBoxLayout;
+    layout->addLayout(bottom, 4);
+    auto* left = new QVBoxLayout;
+    bottom->addLayout(left, 4);
+    m_parties = new PartyRowsPanel(session, dialogs, this);
+    left->addWidget(m_parties, 1);
+    auto* actions = new QHBoxLayout;
+    m_calculateImage = imageButton(this, QStringLiteral("ImgCalcul"),
+                                   style()->standardIcon(QStyle::SP_BrowserReload),
+                                   QStringLiteral("Calcul des factures à émettre"));
+    m_calculate = new QPushButton(QStringLiteral("Calcul des factures à émettre"), this);
+    m_calculate->setObjectName(QStringLiteral("Cmdcalcul"));
+    m_invoiceImage = imageButton(this, QStringLiteral("ImgFacture"),
+                                 style()->standardIcon(QStyle::SP_DialogSaveButton),
+                                 QStringLiteral("Générer les Factures"));
+    m_invoice = new QPushButton(QStringLiteral("Générer les Factures"), this);
+    m_invoice->setObjectName(QStringLiteral("Cmdfacture"));
+    for (QWidget* w : {static_cast<QWidget*>(m_calculateImage), static_cast<QWidget*>(m_calculate),
+                       static_cast<QWidget*>(m_invoiceImage), static_cast<QWidget*>(m_invoice)})
+        actions->addWidget(w);
+    actions->addStretch(1);
+    left->addLayout(actions);
+    auto* prices = new QHBoxLayout;
+    m_entryPrice = new PriceFrame(
+        dialogs, QStringLiteral("Frame3"), QStringLiteral("Tarif engagement par joueur"),
+        QStringLiteral("txt_pu_engt"), QStringLiteral("CmdValEngagt"), this);
+    m_linePrice =
+        new PriceFrame(dialogs, QStringLiteral("Frame4"), QStringLiteral("Tarif d'une ligne"),
+                       QStringLiteral("txt_pu_ligne"), QStringLiteral("CmdValLigne"), this);
+    prices->addWidget(m_entryPrice);
+    prices->addWidget(m_linePrice);
+    prices->addStretch(1);
+    left->addLayout(prices);
+
+    m_tariffs = new CompetitionTariffPanel(session, dialogs, this);
+    bottom->addWidget(m_tariffs, 3);
+
+    connect(m_seasons, &QComboBox::activated, this, &ORVE_ges_competition::chooseSeason);
+    connect(m_competitions, &app::DataGrid::rowChosen, this,
+            &ORVE_ges_competition::chooseCompetition);
+    connect(m_competitions, &app::DataGrid::loadFailed, this,
+            [this](const QString& message) { m_dialogs.inform(message); });
+    connect(m_add, &QPushButton::clicked, this, &ORVE_ges_competition::addCompetition);
+    connect(m_validate, &QPushButton::clicked, this, &ORVE_ges_competition::validateCompetition);
+    connect(m_cancel, &QPushButton::clicked, this, &ORVE_ges_competition::cancelEntry);
+    connect(m_calculate, &QPushButton::clicked, this, &ORVE_ges_competition::calculate);
+    connect(m_calculateImage, &QToolButton::clicked, this, &ORVE_ges_competition::calculate);
+    connect(m_invoice, &QPushButton::clicked, this, &ORVE_ges_competition::invoice);
+    connect(m_invoiceImage, &QToolButton::clicked, this, &ORVE_ges_competition::invoice);
+    connect(m_entryPrice, &PriceFrame::confirmed, this, &ORVE_ges_competition::entryPriceConfirmed);
+    connect(m_linePrice, &PriceFrame::confirmed, this, &ORVE_ges_competition::linePriceConfirmed);
+
+    const int working = m_session.workingSeason();
+    m_seasons->addItems(store::seasonChoices(working));
+    m_seasons->setCurrentText(QString::number(working));
+    app::guarded(m_dialogs, [&] {
+        // Rows calculated or written but never printed do not outlive a use
+        // of the window.
+        resetUnfinishedRows(m_session.store());
+        app::ListItems natures;
+        for (const auto& row : reference::natures::list(m_session.store())) {
+            const auto n = reference::natures::fromRow(row);
+            natures.push_back({n.code.trimmed(), n.label});
+        }
+        m_card->setNatures(natures);
+        m_tariffs->load();
+    });
+    listCompetitions();
+    clearCompetition();
+    resize(1360, 730);
+}
+
+reference::Viewer ORVE_ges_competition::viewer() const { return reference::Viewer::of(m_session); }
+
+void ORVE_ges_competition::listCompetitions() {
+    app::guarded(m_dialogs, [&] {
+        m_competitions->setQuery(m_session.store(), competitionsQuery(m_seasons->currentText()));
+    });
+}
+
+void ORVE_ges_competition::setCardState(bool editable, bool validatable) {
+    m_card->setEnabled(editable);
+    m_card->setSeasonEditable(m_adding);
+    m_validate->setEnabled(validatable);
+    m_parties->setCountsEditable(editable && !m_adding);
+    const bool shown = !m_card->index().isEmpty();
+    for (QWidget* w : {static_cast<QWidget*>(m_calculate), static_cast<QWidget*>(m_calculateImage),
+                       static_cast<QWidget*>(m_invoice), static_cast<QWidget*>(m_invoiceImage)})
+        w->setEnabled(shown);
+}
+
+void ORVE_ges_competition::clearCompetition() {
+    stopInvoicing();
+    m_card->clear();
+    m_parties->clear();
+    m_tariffs->clearCompetition();
+    m_tariffs->show();
+    setCardState(false, false);
+}
+
+void ORVE_ges_competition::chooseSeason() {
+    m_adding = m_modifying = false;
+    listCompetitions();
+    clearCompetition();
+}
+
+void ORVE_ges_competition::chooseCompetition(int row) {
+    const QString index = m_competitions->value(row, QStringLiteral("c_index")).toString();
+    if (!index.isEmpty()) showCompetition(index, true);
+}
+
+void ORVE_ges_competition::showCompetition(const QString& index, bool asking) {
+    stopInvoicing();
+    CompetitionRecord record;
+    Openness openness = Openness::Open;
+    if (!app::guarded(m_dialogs, [&] {
+            record = loadCompetition(m_session.store(), index);
+            openness = competitionOpenness(m_session.store(), index);
+            m_parties->showRows(partyRowsQuery(index));
+        }))
+        return;
+    m_adding = false;
+    m_modifying = openness == Openness::Open;
+    m_card->showRecord(record);
+    m_tariffs->show();
+    m_tariffs->showCompetition(record.season, record.nature);
+    setCardState(m_modifying, m_modifying);
+    if (!asking) return;
+    if (openness == Openness::Closed) {
+        m_dialogs.inform(
+            QStringLiteral("Cette compétition est facturée, elle n'est plus modifiable"));
+    } else if (openness == Openness::Frozen) {
+        m_dialogs.inform(
+            QStringLiteral("les caractéristiques de cette compétition ne sont plus modifiables"));
+        if (m_dialogs.ask(QStringLiteral(
+                "Voulez-vous créer des avoirs/factures complémentaires à cette compétition ? ")))
+            createComplementary(record);
+    }
+}
+
+void ORVE_ges_competition::createComplementary(const CompetitionRecord& record) {
+    ValidationOutcome outcome;
+    if (app::guarded(m_dialogs, [&] {
+            outcome = createComplementaryCompetition(m_session.store(), viewer(), record);
+        }))
+        showBuilt(outcome);
+}
+
+void ORVE_ges_competition::showBuilt(const ValidationOutcome& outcome) {
+    if (outcome.emptyListMessage) {
+        m_dialogs.inform(*outcome.emptyListMessage);
+        cancelEntry();
+        return;
+    }
+    listCompetitions();
+    showCompetition(outcome.index, false);
+    // The competition stays chosen in the list without being read again.
+    const QSignalBlocker quiet(m_competitions);
+    m_competitions->storeModel()->fetchAll();
+    for (int row = 0; row < m_competitions->rowCount(); ++row)
+        if (m_competitions->value(row, QStringLiteral("c_index")).toString() == outcome.index)
+            m_competitions->setCurrentIndex(m_competitions->storeModel()->index(row, 0));
+}
+
+void ORVE_ges_competition::addCompetition() {
+    stopInvoicing();
+    m_adding = true;
+    m_modifying = false;
+    {
+        const QSignalBlocker quiet(m_competitions);
+        m_competitions->setCurrentIndex({});
+    }
+    m_card->startNew(m_seasons->currentText());
+    m_parties->clear();
+    // The prices belong to a competition that exists.
+    m_tariffs->hide();
+    setCardState(true, true);
+    m_card->findChild<QWidget*>(QStringLiteral("Combo11"))->setFocus();
+}
+
+void ORVE_ges_competition::validateCompetition() {
+    if (!m_adding && !m_modifying) return;
+    const CompetitionRecord record = m_card->record();
+    ValidationOutcome outcome;
+    if (app::guarded(m_dialogs, [&] {
+            checkCompetition(record);
+            outcome = saveCompetition(m_session.store(), viewer(), record);
+        }))
+        showBuilt(outcome);
+}
+
+void ORVE_ges_competition::cancelEntry() {
+    app::guarded(m_dialogs, [&] { resetUnfinishedRows(m_session.store()); });
+    m_adding = m_modifying = false;
+    listCompetitions();
+    clearCompetition();
+}
+
+bool ORVE_ges_competition::stillOpen() const { return m_adding || m_card->modified(); }
+
+void ORVE_ges_competition::calculate() {
+    const QString index = m_card->index();
+    if (index.isEmpty()) return;
+    stopInvoicing();
+    app::guarded(m_dialogs, [&] {
+        calculateCompetition(m_session.store(), viewer(), index, m_card->nature(), stillOpen());
+        m_parties->showRows(rowsToInvoiceQuery(index));
+    });
+}
+
+void ORVE_ges_competition::invoice() {
+    const QString index = m_card->index();
+    if (index.isEmpty()) return;
+    stopInvoicing();
+    InvoicingPlan plan;
+    if (!app::guarded(m_dialogs, [&] {
+            m_parties->showRows(rowsToInvoiceQuery(index));
+            plan = planInvoicing(m_session.store(), index);
+        }))
+        return;
+    if (!m_dialogs.ask(QStringLiteral("Confirmez-vous vouloir générer les %1 factures affichées ?")
+                           .arg(plan.rows)))
+        return;
+    m_plan = plan;
+    m_prices = {};
+    if (plan.asksEntryPrice)
+        m_entryPrice->ask(plan.entryTariff);
+    else
+        askLinePrice();
+}
+
+void ORVE_ges_competition::entryPriceConfirmed(Money price) {
+    if (!m_plan) return;
+    m_prices.entry = price;
+    askLinePrice();
+}
+
+void ORVE_ges_competition::askLinePrice() {
+    if (m_plan && m_plan->asksLinePrice)
+        m_linePrice->ask(m_plan->lineTariff);
+    else
+        generate();
+}
+
+void ORVE_ges_competition::linePriceConfirmed(Money price) {
+    if (!m_plan) return;
+    m_prices.line = price;
+    generate();
+}
+
+void ORVE_ges_competition::generate() {
+    if (!m_plan) return;
+    const InvoicingPlan plan = *m_plan;
+    const invoicing::DocumentSettings settings = invoicing::documentSettings(m_session);
+    QProgressDialog progress(QStringLiteral("Génération des factures"), QStringLiteral("Annuler"),
+                             0, plan.rows, this);
+    progress.setWindowTitle(QStringLiteral("Les competitions à facturer"));
+    progress.setWindowModality(Qt::WindowModal);
+    progress.setMinimumDuration(500);
+    InvoicingOutcome outcome;
+    const bool made = app::guarded(m_dialogs, [&] {
+        checkPrinter(settings.letterhead.printer);
+        outcome = invoiceCompetition(
+            m_session.store(), viewer(), settings, plan.index, m_prices, m_session.today(),
+            [&](int done, int total) {
+                progress.setMaximum(total);
+                progress.setLabelText(QStringLiteral("Facture %1 sur %2").arg(done).arg(total));
+                progress.setValue(done);
+                return !progress.wasCanceled();
+            });
+    });
+    progress.reset();
+    // What was made stays made, even after a failure: the rows show it.
+    showCompetition(plan.index, false);
+    if (!made) return;
+    m_dialogs.inform(madeText(outcome, settings.invoiceFolder));
+    if (!settings.letterhead.printer.isEmpty())
+        app::guarded(m_dialogs, [&] {
+            for (const QString& number : outcome.numbers)
+                invoicing::printInvoiceDocument(
+                    settings.letterhead.printer,
+                    invoicing::loadInvoiceDocument(m_session.store(), number), settings);
+        });
+}
+
+void ORVE_ges_competition::stopInvoicing() {
+    m_plan.reset();
+    m_entryPrice->dismiss();
+    m_linePrice->dismiss();
+}
+
+}  // namespace orve::competitions
