@@ -339,7 +339,7 @@ TEST(MailSending, CreditNotesMailedForRealResetTheirCompetitionsWhenAskedTo) {
     auto s = inst.startAs("gestu");
     store::Store& store = s->store();
     // A competition invoiced by the cancelled invoice.
-    store.insert("strcompetition", {{"c_index", "FD700001"},
+    store.insert("strcompetition", {{"c_index", "FD790001"},
                                     {"index_reference", "00000000"},
                                     {"c_saison", "2027"},
                                     {"c_nature", "DIV"},
@@ -357,7 +357,7 @@ TEST(MailSending, CreditNotesMailedForRealResetTheirCompetitionsWhenAskedTo) {
         return store
             .selectOne(
                 "SELECT c_facture, c_num_facture, c_date_facture, c_edt_fact, c_envoi_mail "
-                "FROM strcompetition WHERE c_index = 'FD700001'")
+                "FROM strcompetition WHERE c_index = 'FD790001'")
             .value();
     };
     // Test procedure: nothing written, whatever was answered.

@@ -47,11 +47,11 @@ TEST(DataCheck, FindsEachPlantedFaultWhereItBelongsAndWritesNothing) {
     {
         store::Transaction tx(s);
         // A competition invoiced by 2026000050, and a second invoice on it.
-        seed::competition(s, "FD700001", "2027", "FD", "F", "2026000050");
-        seed::invoice(s, "2026000050", "FD700001", 1);
-        seed::invoice(s, "2026000051", "FD700001", 2);
+        seed::competition(s, "FD900001", "2027", "FD", "F", "2026000050");
+        seed::invoice(s, "2026000050", "FD900001", 1);
+        seed::invoice(s, "2026000051", "FD900001", 2);
         // An invoice filed under a competition nobody knows.
-        seed::invoice(s, "2026000052", "FD799999", 1);
+        seed::invoice(s, "2026000052", "FD999999", 1);
         // A number written twice, a header with no line, lines with no header.
         seed::invoice(s, "02026000003", seed::kPseudoMisc, 0);
         seed::invoice(s, "2026000053", seed::kPseudoMisc, 0, {{"ent_fact_lib", "Sans ligne"}});
@@ -67,12 +67,12 @@ TEST(DataCheck, FindsEachPlantedFaultWhereItBelongsAndWritesNothing) {
             "WHERE f_num_facture = '2026000055'");
         // Invoiced rows: one whose invoice is gone, one with no number; the
         // closed master of a register competition is not one of them.
-        seed::competition(s, "FD700002", "2027", "FD", "F", "2026000098");
-        seed::competition(s, "FD700003", "2027", "FD", "F", "");
-        seed::competition(s, "FD700004", "2027", "FD", "F", "");
-        seed::competition(s, "FD700005", "2027", "FD", " ", "", "OUI", "FD700004");
+        seed::competition(s, "FD900002", "2027", "FD", "F", "2026000098");
+        seed::competition(s, "FD900003", "2027", "FD", "F", "");
+        seed::competition(s, "FD900004", "2027", "FD", "F", "");
+        seed::competition(s, "FD900005", "2027", "FD", " ", "", "OUI", "FD900004");
         // A party row whose master is gone.
-        seed::competition(s, "FD700006", "2027", "FD", " ", "", "OUI", "FD709999");
+        seed::competition(s, "FD900006", "2027", "FD", " ", "", "OUI", "FD909999");
         // A club of a department that has no committee.
         s.insert("strclub",
                  {{"club_code", "CL99001"}, {"club_nom", "Club Fantôme"}, {"club_dept", "099"}});
@@ -81,7 +81,7 @@ TEST(DataCheck, FindsEachPlantedFaultWhereItBelongsAndWritesNothing) {
             "UPDATE strfacture SET f_tiers_fact = 'XXX' WHERE f_num_facture = '2026000005' "
             "AND f_num_lig = '01'");
         // Invoiced but never printed.
-        seed::competition(s, "FD700007", "2027", "FD", "F", "2026000050", "NON");
+        seed::competition(s, "FD900007", "2027", "FD", "F", "2026000050", "NON");
         // An invoice whose lines make a credit.
         seed::invoice(s, "2026000056", seed::kPseudoMisc, 1);
         s.exec("UPDATE strfacture SET f_montant = -500 WHERE f_num_facture = '2026000056'");
@@ -95,27 +95,27 @@ TEST(DataCheck, FindsEachPlantedFaultWhereItBelongsAndWritesNothing) {
         EXPECT_EQ(report.findingsOf(title), findings) << title.toStdString();
     };
     expect(check::kUnknownCompetition,
-           {"facture 2026000052 : 1 ligne sur la compétition FD799999"});
-    expect(check::kOtherInvoice, {"facture 2026000051 : 2 lignes sur la compétition FD700001, qui "
+           {"facture 2026000052 : 1 ligne sur la compétition FD999999"});
+    expect(check::kOtherInvoice, {"facture 2026000051 : 2 lignes sur la compétition FD900001, qui "
                                   "porte la facture 2026000050"});
     expect(check::kDuplicateNumbers, {"N° 2026000003 : 02026000003, 2026000003"});
     expect(check::kHeadersWithoutLines, {"facture 2026000053 (Sans ligne)"});
     expect(check::kLinesWithoutHeader, {"facture 2026000054 : 2 lignes"});
     expect(check::kTotals, {"facture 2026000001 : total 123,45 €, lignes 800,00 €"});
     expect(check::kCreditNotes, {"avoir 2026000055 : facture 2026000099 introuvable"});
-    expect(check::kInvoicedWithoutInvoice, {"compétition FD700002 : facture 2026000098 introuvable",
-                                            "compétition FD700003 : aucun N° de facture"});
+    expect(check::kInvoicedWithoutInvoice, {"compétition FD900002 : facture 2026000098 introuvable",
+                                            "compétition FD900003 : aucun N° de facture"});
     expect(check::kOrphanPartyRows,
-           {"compétition FD700006 : compétition principale FD709999 introuvable"});
+           {"compétition FD900006 : compétition principale FD909999 introuvable"});
     expect(check::kClubDepartments, {"club CL99001 (Club Fantôme) : département 099"});
     expect(check::kLinesOutOfStep, {"facture 2026000005 : 1 ligne"});
-    expect(check::kWithoutDocument, {"compétition FD700007 : facture 2026000050"});
-    expect(check::kHeadersUnknownCompetition, {"facture 2026000052 : compétition FD799999"});
+    expect(check::kWithoutDocument, {"compétition FD900007 : facture 2026000050"});
+    expect(check::kHeadersUnknownCompetition, {"facture 2026000052 : compétition FD999999"});
     expect(check::kTypes, {"facture 2026000056 : type F, total -5,00 €"});
     EXPECT_EQ(report.findings(), 15);
     EXPECT_EQ(report.summary(), "Vérification des données : 15 anomalies");
     EXPECT_TRUE(report.lines().contains(check::kInvoicedWithoutInvoice + " : 2"));
-    EXPECT_TRUE(report.lines().contains("    compétition FD700003 : aucun N° de facture"));
+    EXPECT_TRUE(report.lines().contains("    compétition FD900003 : aucun N° de facture"));
 
     // From a shell: the report, and an exit status a script can test.
     QString out, err;
