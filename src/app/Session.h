@@ -67,6 +67,11 @@ class Session {
     // when set, else the season of today's date.
     int workingSeason() const;
 
+    // The mail server's password typed by the operator: kept in memory for
+    // this run of the program only, never written anywhere.
+    const QString& mailPassword() const { return m_mailPassword; }
+    void setMailPassword(const QString& password) { m_mailPassword = password; }
+
   private:
     QString m_programFolder;
     QString m_dataFolder;
@@ -77,6 +82,7 @@ class Session {
     Operator m_user;
     bool m_signedIn = false;
     std::vector<SignInStep> m_signInSteps;
+    QString m_mailPassword;
 };
 
 }  // namespace orve::app

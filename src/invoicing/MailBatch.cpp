@@ -11,7 +11,7 @@
 #include "invoicing/SmtpSender.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
-#include "tools/MailTexts.h"
+#include "invoicing/MailTexts.h"
 
 namespace orve::invoicing {
 
@@ -49,11 +49,11 @@ int mail(app::BatchContext& c) {
     options.invoiceAgain = c.hasFlag(QStringLiteral("--refacturer"));
     const QString textName = c.option(QStringLiteral("--texte"));
     if (!textName.isEmpty()) {
-        const auto t = tools::findMailText(store, textName);
+        const auto t = findMailText(store, textName);
         if (!t) throw Refusal(QStringLiteral("Texte de mail inconnu : %1").arg(textName));
         options.body = t->body;
     } else {
-        options.body = tools::defaultMailText(store, session.user().league);
+        options.body = defaultMailText(store, session.user().league);
     }
 
     // Only the invoices the panel would list for the nature.
@@ -117,7 +117,7 @@ int mailText(app::BatchContext& c) {
     const QString verb = app::requiredArgument(words, 0, kTextUsage);
     store::Store& store = c.session().store();
     if (verb == QStringLiteral("list")) {
-        for (const auto& t : tools::mailTexts(store)) {
+        for (const auto& t : mailTexts(store)) {
             QString first = t.body.section(QChar('\n'), 0, 0).trimmed();
             c.out() << t.name << " : " << format::echoed(first) << "\n";
         }
@@ -127,7 +127,7 @@ int mailText(app::BatchContext& c) {
         const QString name = app::requiredArgument(words, 1, kTextUsage);
         QString body = readAllInput();
         if (body.endsWith(QChar('\n'))) body.chop(1);
-        const bool replaced = tools::saveMailText(store, name, body);
+        const bool replaced = saveMailText(store, name, body);
         c.out() << (replaced ? "texte remplacé : " : "texte ajouté : ") << name.trimmed() << "\n";
         return 0;
     }

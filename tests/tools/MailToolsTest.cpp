@@ -5,10 +5,11 @@
 #include "support/DemoInvoices.h"
 #include "support/TestInstall.h"
 #include "tools/DispatchTicks.h"
-#include "tools/MailTexts.h"
+#include "invoicing/MailTexts.h"
 
 using namespace orve;
 using namespace orve::tools;
+using namespace orve::invoicing;
 
 TEST(MailTexts, SavingUnderAnExistingNameReplacesItAndTheDefaultFollowsTheOperator) {
     test::TestInstall inst;

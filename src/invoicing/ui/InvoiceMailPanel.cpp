@@ -10,7 +10,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include "tools/MailTexts.h"
+#include "invoicing/MailTexts.h"
 
 namespace orve::invoicing {
 
@@ -141,7 +141,7 @@ void InvoiceMailPanel::prepare(store::Store& store, const QString& body, const Q
     m_web->clear();
     m_body->setPlainText(body);
     m_route->setText(route);
-    m_texts->setQuery(store, tools::mailTextsQuery());
+    m_texts->setQuery(store, mailTextsQuery());
     followChoices();
 }
 

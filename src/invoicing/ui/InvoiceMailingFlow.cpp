@@ -11,7 +11,7 @@
 #include "invoicing/SmtpSender.h"
 #include "invoicing/ui/InvoiceListView.h"
 #include "invoicing/ui/InvoiceMailPanel.h"
-#include "tools/MailTexts.h"
+#include "invoicing/MailTexts.h"
 
 namespace orve::invoicing {
 
@@ -100,7 +100,7 @@ void InvoiceMailingFlow::requestMail() {
         if (!m_dialogs.ask(kMailConfirmation)) return;
         const MailSettings settings = MailSettings::fromIni(m_session.settingsPath());
         m_panel->prepare(m_session.store(),
-                         tools::defaultMailText(m_session.store(), m_session.user().league),
+                         defaultMailText(m_session.store(), m_session.user().league),
                          m_session.user().mail,
                          mailRouteText(settings, outboxFolder(m_session.programFolder())));
         emit panelOpened();
@@ -119,12 +119,12 @@ void InvoiceMailingFlow::send() {
         std::unique_ptr<MailTransport> transport;
         if (settings.usesServer()) {
             if (settings.needsPassword()) {
-                if (m_password.isEmpty())
-                    m_password = m_dialogs.askPassword(
+                if (m_session.mailPassword().isEmpty())
+                    m_session.setMailPassword(m_dialogs.askPassword(
                         QStringLiteral("Mot de passe du compte %1 sur le serveur de mail %2 :")
-                            .arg(settings.user, settings.serverText()));
-                if (m_password.isEmpty()) return;
-                settings.password = m_password;
+                            .arg(settings.user, settings.serverText())));
+                if (m_session.mailPassword().isEmpty()) return;
+                settings.password = m_session.mailPassword();
             }
             transport = std::make_unique<SmtpSender>(settings);
         } else {
@@ -152,7 +152,7 @@ void InvoiceMailingFlow::send() {
         progress.setValue(total);
         progress.close();
         // A login refused: the password typed is asked again next time.
-        if (!report.stopped.isEmpty()) m_password.clear();
+        if (!report.stopped.isEmpty()) m_session.setMailPassword(QString());
         m_dialogs.inform(report.summary());
         m_invoices.clear();
         emit panelClosed();

@@ -49,7 +49,6 @@ class InvoiceMailingFlow : public QObject {
     QString m_nature;
     std::vector<QString> m_invoices;  // confirmed for the panel
     // Asked once for the window's life when orve.ini holds none; never written.
-    QString m_password;
 };
 
 }  // namespace orve::invoicing

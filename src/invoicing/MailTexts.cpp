@@ -1,8 +1,8 @@
-#include "tools/MailTexts.h"
+#include "invoicing/MailTexts.h"
 
 #include "store/Refusal.h"
 
-namespace orve::tools {
+namespace orve::invoicing {
 
 namespace {
 MailText textOf(const store::Row& r) {
@@ -54,4 +54,4 @@ QString defaultMailText(const store::Store& store, const QString& league) {
     return kBuiltInMailText;
 }
 
-}  // namespace orve::tools
+}  // namespace orve::invoicing

@@ -9,7 +9,7 @@
 
 // The named texts that the mailing of invoices offers as the body of its
 // messages (strmail): kept by the mail-text window and orve-batch mail-text.
-namespace orve::tools {
+namespace orve::invoicing {
 
 struct MailText {
     QString name;  // mail_nom, "Descriptif"
@@ -42,4 +42,4 @@ bool saveMailText(store::Store& store, const QString& name, const QString& body)
 // else the built-in text.
 QString defaultMailText(const store::Store& store, const QString& league);
 
-}  // namespace orve::tools
+}  // namespace orve::invoicing
