@@ -4,6 +4,7 @@
 
 #include "app/Startup.h"
 #include "competitions/PseudoCompetitions.h"
+#include "imports/ImportBatch.h"
 #include "invoicing/InvoicingBatch.h"
 #include "shell/DemoData.h"
 
@@ -37,6 +38,7 @@ void registerBatchCommands(app::BatchRegistry& registry) {
     registry.add({QStringLiteral("init-demo"), kInitDemoUsage, initDemo});
     invoicing::registerInvoicingBatchCommands(registry);
     invoicing::registerInvoiceLoadCommand(registry);
+    imports::registerImportBatchCommands(registry);
 }
 
 }  // namespace orve::shell
