@@ -5,6 +5,7 @@
 #include "app/Startup.h"
 #include "competitions/CompetitionBatch.h"
 #include "competitions/PseudoCompetitions.h"
+#include "imports/ImportBatch.h"
 #include "invoicing/InvoicingBatch.h"
 #include "invoicing/MailBatch.h"
 #include "shell/DemoData.h"
@@ -43,6 +44,7 @@ void registerBatchCommands(app::BatchRegistry& registry) {
     tools::registerToolsBatchCommands(registry);
     invoicing::registerMailBatchCommands(registry);
     competitions::registerCompetitionBatchCommands(registry);
+    imports::registerImportBatchCommands(registry);
 }
 
 }  // namespace orve::shell

@@ -97,6 +97,7 @@ class Store {
     friend class Transaction;
     friend class Snapshot;
     friend class StoreCopy;
+    friend class PreparedStatement;
     Store(StoreAddress address, QString folder, QString connection);
     static std::unique_ptr<Store> openScratch(const QString& folder);
     void connect(const PasswordPrompt& askPassword);

@@ -1,6 +1,7 @@
 #include "shell/ui/Screens.h"
 
 #include "competitions/ui/CompetitionScreens.h"
+#include "imports/ui/ImportScreens.h"
 #include "invoicing/ui/InvoicingScreens.h"
 #include "reference/ui/ReferenceScreens.h"
 #include "tools/ui/ToolScreens.h"
@@ -14,6 +15,7 @@ void registerScreens(app::ScreenCatalog& catalog) {
     tools::registerToolScreens(catalog);
     tools::registerMailToolScreens(catalog);
     competitions::registerCompetitionScreens(catalog);
+    imports::registerImportScreens(catalog);
 }
 
 }  // namespace orve::shell
