@@ -13,7 +13,7 @@ namespace {
 
 int init(BatchContext& c) {
     const QString usage =
-        QStringLiteral("init DIR --code C --name N --district D [--base postgresql://...]");
+        QStringLiteral("init DOSSIER --code C --name NOM --district D [--base postgresql://...]");
     const QString dir = requiredArgument(c.positional(), 0, usage);
     createInstallation(dir, {c.option("--code"), c.option("--name"), c.option("--district")},
                        c.clock().today(), c.option("--base"));
@@ -22,7 +22,7 @@ int init(BatchContext& c) {
 }
 
 int migrate(BatchContext& c) {
-    const QString usage = QStringLiteral("migrate DIR --vers postgresql://...|DOSSIER");
+    const QString usage = QStringLiteral("migrate DOSSIER --vers postgresql://...|DOSSIER");
     const QString dir = requiredArgument(c.positional(), 0, usage);
     const QString target = c.option("--vers");
     if (target.isEmpty())
@@ -35,7 +35,7 @@ int migrate(BatchContext& c) {
 
 int user(BatchContext& c) {
     const QString usage =
-        QStringLiteral("user add LOGIN --league CODE [--mail ADDR] | user passwd LOGIN");
+        QStringLiteral("user add LOGIN --league CODE [--mail ADRESSE] | user passwd LOGIN");
     const QStringList p = c.positional();
     const QString verb = requiredArgument(p, 0, usage);
     const QString login = requiredArgument(p, 1, usage);
@@ -59,22 +59,22 @@ int signin(BatchContext& c) {
     Session& s = c.session();
     if (!signIn(s, login, c.readLine())) throw Refusal(kInvalidLogin);
     const auto& i = s.installation();
-    c.out() << "program_folder: " << QDir::toNativeSeparators(s.programFolder()) << "\n"
-            << "data_folder: " << QDir::toNativeSeparators(s.dataFolder()) << "\n"
-            << "invoice_folder: " << QDir::toNativeSeparators(s.invoiceFolder()) << "\n"
-            << "installation_code: " << i.code << "\n"
-            << "installation_name: " << i.name << "\n"
-            << "installation_district: " << i.district << "\n"
-            << "financial_year_start: " << i.financialYearStart << "\n"
-            << "financial_year_end: " << i.financialYearEnd << "\n"
-            << "login: " << s.user().login << "\n"
-            << "league: " << s.user().league << "\n"
-            << "mail: " << s.user().mail << "\n";
+    c.out() << "dossier du programme : " << QDir::toNativeSeparators(s.programFolder()) << "\n"
+            << "dossier des données : " << QDir::toNativeSeparators(s.dataFolder()) << "\n"
+            << "dossier des factures : " << QDir::toNativeSeparators(s.invoiceFolder()) << "\n"
+            << "code de l'installation : " << i.code << "\n"
+            << "nom de l'installation : " << i.name << "\n"
+            << "district de l'installation : " << i.district << "\n"
+            << "début de l'exercice : " << i.financialYearStart << "\n"
+            << "fin de l'exercice : " << i.financialYearEnd << "\n"
+            << "login : " << s.user().login << "\n"
+            << "ligue : " << s.user().league << "\n"
+            << "mail : " << s.user().mail << "\n";
     return 0;
 }
 
 int backup(BatchContext& c) {
-    const QString dest = requiredArgument(c.positional(), 0, QStringLiteral("backup DEST"));
+    const QString dest = requiredArgument(c.positional(), 0, QStringLiteral("backup DOSSIER"));
     const QStringList copied = backupStore(c.session().store(), dest);
     for (const QString& name : copied)
         c.out() << "copié " << name << " vers " << QDir::toNativeSeparators(dest) << "\n";
@@ -85,14 +85,15 @@ int backup(BatchContext& c) {
 }  // namespace
 
 void registerAppBatchCommands(BatchRegistry& r) {
-    r.add({"init", "init DIR --code C --name N --district D [--base postgresql://...]", init});
-    r.add({"migrate", "migrate DIR --vers postgresql://...|DOSSIER", migrate});
+    r.add(
+        {"init", "init DOSSIER --code C --name NOM --district D [--base postgresql://...]", init});
+    r.add({"migrate", "migrate DOSSIER --vers postgresql://...|DOSSIER", migrate});
     r.add({"user",
-           "user add LOGIN --league CODE [--mail ADDR] | user passwd LOGIN (mot de passe "
+           "user add LOGIN --league CODE [--mail ADRESSE] | user passwd LOGIN (mot de passe "
            "sur l'entrée standard)",
            user});
     r.add({"signin", "signin LOGIN (mot de passe sur l'entrée standard)", signin});
-    r.add({"backup", "backup DEST", backup});
+    r.add({"backup", "backup DOSSIER", backup});
 }
 
 }  // namespace orve::app

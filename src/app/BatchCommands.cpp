@@ -79,7 +79,7 @@ int runBatch(const BatchRegistry& registry, const BatchContext::SessionOpener& o
     }
     const BatchCommand* command = args.isEmpty() ? nullptr : registry.find(args.first());
     if (!command) {
-        err << "usage: orve-batch [--home DIR] [--as LOGIN] COMMAND ...\n";
+        err << "usage : orve-batch [--home DOSSIER] [--as LOGIN] COMMANDE ...\n";
         for (const auto& c : registry.commands()) err << "  " << c.usage << "\n";
         err.flush();
         return 2;

@@ -2,10 +2,17 @@
 
 namespace orve::app {
 
-void ScriptedDialogs::inform(const QString& text) { m_shown.push_back(text); }
+void ScriptedDialogs::record(Kind kind, const QString& text) {
+    m_shown.push_back(text);
+    m_history.emplace_back(kind, text);
+}
+
+void ScriptedDialogs::inform(const QString& text) { record(Kind::Information, text); }
+void ScriptedDialogs::warn(const QString& text) { record(Kind::Warning, text); }
+void ScriptedDialogs::fail(const QString& text) { record(Kind::Error, text); }
 
 bool ScriptedDialogs::ask(const QString& text) {
-    m_shown.push_back(text);
+    record(Kind::Question, text);
     if (m_answers.empty()) {
         if (m_failure.isEmpty()) m_failure = QStringLiteral("unexpected question: ") + text;
         return false;

@@ -19,6 +19,10 @@ struct MenuEntry {
 
 const std::vector<MenuEntry>& menuTree();
 
+// What an entry says when its window is not built yet.
+inline const QString kNotYetAvailable =
+    QStringLiteral("Cette fonction n'est pas encore disponible");
+
 // Entries only the administrator "gestu" may use.
 bool isAdministratorEntry(const QString& name);
 

@@ -21,6 +21,8 @@ Letterhead Letterhead::fromSettings(const QString& iniPath) {
     l.bank = ini.value("banque").toString();
     l.iban = ini.value("iban").toString();
     l.bic = ini.value("bic").toString();
+    l.paymentOrder = ini.value("ordre_reglement", l.paymentOrder).toString().trimmed();
+    l.transferNotice = ini.value("avis_virement", l.transferNotice).toString().trimmed();
     // A logo file named relative to the program folder.
     const QString logo = ini.value("logo").toString().trimmed();
     if (!logo.isEmpty())
@@ -28,6 +30,12 @@ Letterhead Letterhead::fromSettings(const QString& iniPath) {
                      ? logo
                      : QDir(QFileInfo(iniPath).absolutePath())
                            .absoluteFilePath(QDir::fromNativeSeparators(logo));
+    ini.endGroup();
+    // Set to nothing ("tva=") an installation prints no mention at all.
+    ini.beginGroup(QStringLiteral("mentions"));
+    l.vatMention = ini.value("tva", l.vatMention).toString().trimmed();
+    l.latePenalties = ini.value("penalites").toString().trimmed();
+    l.recoveryFee = ini.value("indemnite").toString().trimmed();
     ini.endGroup();
     ini.beginGroup(QStringLiteral("documents"));
     l.printer = ini.value("imprimante").toString().trimmed();
@@ -43,6 +51,13 @@ QString Letterhead::footerLine() const {
     if (!fax.trimmed().isEmpty()) parts << QStringLiteral("Fax : ") + fax.trimmed();
     if (!registration.trimmed().isEmpty()) parts << registration.trimmed();
     return parts.join(QStringLiteral(" - "));
+}
+
+QStringList Letterhead::issuerLines() const {
+    QStringList lines;
+    if (!address.trimmed().isEmpty()) lines << address.trimmed();
+    if (!telephone.trimmed().isEmpty()) lines << QStringLiteral("Tél. : ") + telephone.trimmed();
+    return lines;
 }
 
 bool DocumentSettings::committeeOperator() const {

@@ -15,7 +15,7 @@ namespace orve::shell {
 
 namespace {
 
-const QString kInitDemoUsage = QStringLiteral("init-demo DIR [--base postgresql://...]");
+const QString kInitDemoUsage = QStringLiteral("init-demo DOSSIER [--base postgresql://...]");
 
 int initDemo(app::BatchContext& c) {
     const QString dir = app::requiredArgument(c.positional(), 0, kInitDemoUsage);

@@ -22,8 +22,8 @@ using app::createInstallation;
 const std::vector<DemoUser>& demoUsers() {
     static const std::vector<DemoUser> users{
         {"gestu", "kvarn-2026", "JKV", "national"},
-        {"ligue06", "azur-2026", "LR06", "league"},
-        {"CD13", "provence-2026", "13", "committee"},
+        {"ligue06", "azur-2026", "LR06", "ligue"},
+        {"CD13", "provence-2026", "13", "comité"},
     };
     return users;
 }

@@ -45,11 +45,11 @@ TEST(Batch, InitUserSigninAndBackupFromAShell) {
     ASSERT_EQ(runProgram(kBatch, {"--home", home, "signin", "nantes"}, "s'ecret-44\n", &out, &err,
                          kToday),
               0);
-    EXPECT_TRUE(out.contains("login: nantes\n")) << out.toStdString();
-    EXPECT_TRUE(out.contains("league: LR44\n"));
-    EXPECT_TRUE(out.contains("mail: compta@ligue44.example\n"));
-    EXPECT_TRUE(out.contains("installation_name: Ligue des Pays de la Loire\n"));
-    EXPECT_TRUE(out.contains("financial_year_start: 20260901\n"));
+    EXPECT_TRUE(out.contains("login : nantes\n")) << out.toStdString();
+    EXPECT_TRUE(out.contains("ligue : LR44\n"));
+    EXPECT_TRUE(out.contains("mail : compta@ligue44.example\n"));
+    EXPECT_TRUE(out.contains("nom de l'installation : Ligue des Pays de la Loire\n"));
+    EXPECT_TRUE(out.contains("début de l'exercice : 20260901\n"));
 
     ASSERT_EQ(runProgram(kBatch, {"--home", home, "user", "passwd", "nantes"}, "neuf-2027!\n", &out,
                          &err, kToday),
@@ -100,10 +100,13 @@ TEST(Batch, DemoInstallationPrintsItsUsers) {
     QString out, err;
     ASSERT_EQ(runProgram(kBatch, {"init-demo", dir.filePath("demo")}, "", &out, &err, kToday), 0)
         << err.toStdString();
-    EXPECT_TRUE(out.contains("utilisateur gestu")) << out.toStdString();
-    EXPECT_TRUE(out.contains("utilisateur CD13"));
+    // Every word of it French: the operators' levels too.
+    EXPECT_TRUE(out.contains("utilisateur gestu (national, ligue JKV)")) << out.toStdString();
+    EXPECT_TRUE(out.contains("utilisateur ligue06 (ligue, ligue LR06)"));
+    EXPECT_TRUE(out.contains("utilisateur CD13 (comité, ligue 13)"));
+    EXPECT_FALSE(out.contains("league") || out.contains("committee"));
     EXPECT_EQ(runProgram(kBatch, {"--home", dir.filePath("demo"), "signin", "CD13"},
                          "provence-2026\n", &out, &err, kToday),
               0);
-    EXPECT_TRUE(out.contains("league: 13\n"));
+    EXPECT_TRUE(out.contains("ligue : 13\n"));
 }

@@ -308,3 +308,50 @@ TEST(DataGrid, CardShowsTheChosenRowFromTheSameModel) {
     // New columns forget the sort: the first row is the first article again.
     EXPECT_EQ(grid.storeModel()->index(0, 3).data().toString(), "Article 074");
 }
+
+TEST(DataGrid, ColumnsFitTheirContentAndTheGridLastOneStretchesAfterEveryFill) {
+    test::application();
+    test::TestInstall inst(test::TestInstall::Kind::Empty);
+    auto session = inst.start();
+    store::Store& s = session->store();
+    addArticles(s);
+    // One label far longer than the grid is wide.
+    s.exec("UPDATE strarticle SET a_libelle = ? WHERE a_index = ?",
+           {QString("Libellé très long ").repeated(20), code(3)});
+    DataGrid grid("DBGrid1");
+    grid.resize(700, 300);
+    grid.horizontalHeader()->setStretchLastSection(true);
+    grid.setColumns({{"Code", "a_index"}, {"Libellé", "a_libelle"}, {"Compte", "a_cpta"}});
+    grid.setQuery(s, articles());
+    grid.show();
+    QCoreApplication::processEvents();
+    QHeaderView* head = grid.horizontalHeader();
+    const auto rightEdge = [&] { return head->sectionViewportPosition(2) + head->sectionSize(2); };
+    // The long label gives way so that every column stays in sight; the code
+    // keeps its whole width.
+    EXPECT_EQ(rightEdge(), grid.viewport()->width());
+    const QAbstractItemView& view = grid;
+    EXPECT_GE(head->sectionSize(0), view.sizeHintForColumn(0));
+    EXPECT_LT(head->sectionSize(1), view.sizeHintForColumn(1));
+    EXPECT_GE(head->sectionSize(1), 80);
+
+    // Read again after a rule wrote (a card saved): still the whole width.
+    s.exec("UPDATE strarticle SET a_libelle = 'Court' WHERE a_index = ?", {code(3)});
+    grid.reload();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(rightEdge(), grid.viewport()->width());
+    grid.setRows({});
+    grid.setQuery(s, articles(store::Condition("a_nature = ?", {"LIC"})));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(rightEdge(), grid.viewport()->width());
+
+    // No row stays chosen for a new record, and nobody is told a row was chosen.
+    int chosen = 0;
+    QObject::connect(&grid, &DataGrid::rowChosen, [&](int) { ++chosen; });
+    grid.choose(2);
+    EXPECT_EQ(chosen, 1);
+    grid.clearChoice();
+    EXPECT_EQ(grid.currentRow(), -1);
+    EXPECT_TRUE(grid.selectionModel()->selectedRows().isEmpty());
+    EXPECT_EQ(chosen, 1);
+}

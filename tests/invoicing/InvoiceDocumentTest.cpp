@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QRegularExpression>
+#include <QSettings>
 #include <QTextDocumentFragment>
 #include <algorithm>
 #include <tuple>
@@ -12,6 +13,7 @@
 #include "invoicing/InvoiceDocument.h"
 #include "invoicing/InvoiceFiles.h"
 #include "invoicing/InvoiceLayout.h"
+#include "invoicing/InvoiceParties.h"
 #include "invoicing/InvoiceRecords.h"
 #include "invoicing/PrinterLookup.h"
 #include "store/Refusal.h"
@@ -86,6 +88,23 @@ class PdfText {
         for (const auto& w : m_words) n += w.text == text;
         return n;
     }
+    // The words of a region of a page (top-left corners inside it), top to
+    // bottom and left to right, joined by blanks: a text broken into lines
+    // reads back whole.
+    QString region(int page, double left, double right, double top, double bottom) const {
+        std::vector<const Word*> in;
+        for (const auto& w : m_words)
+            if (w.page == page && w.x0 >= left && w.x0 < right && w.y0 >= top && w.y0 < bottom)
+                in.push_back(&w);
+        std::sort(in.begin(), in.end(), [](const Word* a, const Word* b) {
+            if (std::abs(a->y0 - b->y0) >= 60) return a->y0 < b->y0;
+            return a->x0 < b->x0;
+        });
+        QStringList out;
+        for (const Word* w : in) out << w->text;
+        return out.join(' ');
+    }
+    const std::vector<Word>& words() const { return m_words; }
 
   private:
     std::vector<Word> m_words;
@@ -189,7 +208,10 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     EXPECT_NEAR(first->x0, 500, 5);
     EXPECT_NEAR(first->y0 - head->y0, 500, 40);
     EXPECT_EQ(pdf.lineOf(*first), "Affiliation de club 1 120,00 € 120,00 €");
-    const Word* qty = pdf.find("12");
+    const Word* qty = nullptr;
+    for (const Word* w : pdf.findAll("12"))
+        if (std::abs(w->y0 - adult->y0) < 60) qty = w;
+    ASSERT_TRUE(qty);
     EXPECT_NEAR(qty->x0, 6000, 5);
     double unitRight = 0, amountRight = 0;
     for (const auto* w = pdf.find("45,00"); w; w = nullptr) unitRight = w->x1;
@@ -219,9 +241,18 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     EXPECT_TRUE(text.contains("Facture N° : 2026000001"));
     EXPECT_TRUE(text.contains("Date facture : 11/11/2026"));
     EXPECT_TRUE(text.contains("Montant : 800,00 €"));
-    const Word* federation = pdf.find("FEDERATION");
-    EXPECT_NEAR(federation->y0, 15500, 60);
+    // The federation issues the document: named beside the logo and in the footer.
+    const auto federation = pdf.findAll("FEDERATION");
+    ASSERT_EQ(federation.size(), 2u);
+    EXPECT_LT(federation[0]->y0, 1200);
+    EXPECT_GT(federation[0]->x0, 3200);
+    EXPECT_LT(federation[0]->x1, 6000);
+    EXPECT_EQ(pdf.region(1, 3200, 5900, 400, 2300),
+              "FEDERATION KVARN 14 rue des Neuf-Quilles, 75010 Paris Tél. : 01 40 00 12 34");
+    EXPECT_NEAR(federation[1]->y0, 15500, 60);
     EXPECT_TRUE(text.contains("14 rue des Neuf-Quilles, 75010 Paris"));
+    // One page: no page number.
+    EXPECT_FALSE(pdf.find("Page"));
 
     // Regenerating replaces the same file and leaves nothing beside it.
     f.store().exec("UPDATE strcompetition SET c_envoi_mail = 'O' WHERE c_index = 'FD799009'");
@@ -321,6 +352,10 @@ TEST(InvoiceDocument, LongInvoiceContinuesWithHeadsRepeated) {
     ASSERT_TRUE(pdf.find("Net", 2));
     EXPECT_EQ(pdf.lineOf(*pdf.find("Net", 2), 7000), "Net à Payer : 1 350,00 €");
     EXPECT_TRUE(pdf.all(2).contains("Coupon à joindre"));
+    // Every page says which it is, at its foot.
+    EXPECT_EQ(pdf.lineOf(*pdf.find("Page", 1)), "Page 1 / 2");
+    EXPECT_GT(pdf.find("Page", 1)->y0, 16000);
+    EXPECT_EQ(pdf.lineOf(*pdf.find("Page", 2)), "Page 2 / 2");
     // Every line once, in order, and the title on both pages.
     EXPECT_EQ(pdf.count("équipe"), 45);
     EXPECT_EQ(pdf.count("BOW2026000005"), 2);
@@ -413,4 +448,160 @@ TEST(InvoiceDocument, BatchCommand) {
         test::runProgram(ORVE_BATCH, {"--home", inst.home(), "pdf", "424242"}, {}, &out, &err), 1);
     EXPECT_TRUE((out + err).contains("La facture N° 424242 n'existe pas."))
         << qPrintable(out + err);
+}
+
+namespace {
+
+// An invoice of `lines` lines to a party, under a competition title.
+QString invoiceTo(store::Store& store, const QDate& today, const InvoiceParty& billed,
+                  const InvoiceParty& client, const QString& title, int lines,
+                  const QString& longLine = {}) {
+    InvoiceHeader h;
+    h.dateText = "21/11/2026";
+    h.nature = "JORE";
+    h.competitionIndex = kRegionalDayIndex;
+    h.competitionTitle = title;
+    h.billed = billed;
+    h.client = client;
+    const QString n = createInvoice(store, h, today);
+    updateLine(store, n, "01",
+               {"00000001", longLine.isEmpty() ? QString("Engagement équipe 1") : longLine, 1,
+                Money::fromCents(1500)});
+    for (int i = 2; i <= lines; ++i)
+        appendLine(store, n,
+                   {"00000001", QString("Engagement équipe %1").arg(i), 2, Money::fromCents(1500)});
+    return n;
+}
+
+}  // namespace
+
+TEST(InvoiceDocument, LongTitlesNamesAndAddressesWrapAndNothingIsCut) {
+    Fixture f;
+    // 120 characters, blanks between its words.
+    const QString title =
+        "Championnat régional des clubs de la ligue, doublettes mixtes, individuels et équipes, "
+        "phase finale de la saison 2026-27";
+    ASSERT_EQ(title.size(), 120);
+    const QString longLine =
+        "Participation aux frais d'organisation de la phase finale régionale, arbitrage, "
+        "location des pistes et remise des trophées";
+
+    // The demo's longest league name invoiced on behalf of its longest committee name.
+    const QString league =
+        f.store()
+            .scalar("SELECT re_code FROM strregion ORDER BY length(re_lib) DESC, re_code LIMIT 1")
+            .toString();
+    const QString committee =
+        f.store()
+            .scalar("SELECT de_no FROM strdept ORDER BY length(de_lib) DESC, de_no LIMIT 1")
+            .toString();
+    const InvoiceParty billed = leagueParty(f.store(), league);
+    const InvoiceParty client = committeeParty(f.store(), committee, AddressBlock::OnBehalfOf);
+    // And a name and an address longer than any place on the page.
+    const InvoiceParty typed = otherParty(
+        {"Association sportive et culturelle des quilleurs réunis de la vallée de la Durance et "
+         "du Verdon",
+         "Monsieur le Président Jean-Baptiste de La Tour-Maubourg-Villeneuve",
+         "Résidence les Terrasses du Parc, bâtiment C, escalier 4, appartement 1207", "", "", "",
+         "04100 Manosque-les-Plateaux-de-Haute-Provence"},
+        "", "");
+
+    for (const auto& [party, onBehalf] :
+         {std::pair{billed, client}, std::pair{typed, InvoiceParty{}}}) {
+        SCOPED_TRACE(party.name.toStdString());
+        const QString n = invoiceTo(f.store(), f.inst.today(), party,
+                                    onBehalf.isChosen() ? onBehalf : party, title, 45, longLine);
+        PdfText pdf(generateInvoicePdf(f.store(), f.settings, n));
+        ASSERT_EQ(pdf.pages(), 2);
+        EXPECT_EQ(pdf.lineOf(*pdf.find("Page", 2)), "Page 2 / 2");
+        const Word* head = pdf.find("DESIGNATION");
+        ASSERT_TRUE(head);
+        // The whole title, on as many lines as it takes, in its column.
+        const QString competition = pdf.region(1, 6200, 11906, 2400, head->y0 - 200);
+        EXPECT_TRUE(competition.contains("Compétition : " + title + " du "))
+            << qPrintable(competition);
+        EXPECT_TRUE(competition.contains("N° Interne : BW-"));
+        // Each line of the billing block whole, left of the client block.
+        const QString billing = pdf.region(1, 0, 5300, 2400, head->y0 - 200);
+        for (const QString& line :
+             {party.name, party.president, party.address1, party.postcodeTown})
+            if (!line.trimmed().isEmpty())
+                EXPECT_TRUE(billing.contains(line.simplified())) << qPrintable(billing);
+        // The designation of a row whole, inside its column.
+        EXPECT_TRUE(pdf.region(1, 400, 5300, head->y0 + 300, 16000).contains(longLine));
+        // The slip names the party whole, inside its frame.
+        const QString slip = pdf.region(2, 7800, 11300, 13300, 15300);
+        EXPECT_TRUE(slip.contains("Client : " + party.name.simplified())) << qPrintable(slip);
+        // Nothing runs over a column, a frame or the page's edge.
+        for (const Word& w : pdf.words()) {
+            EXPECT_LT(w.x1, 11906 - 250) << qPrintable(w.text);
+            if (w.page == 1 && w.y0 > 2400 && w.y0 < head->y0 - 200 && w.x0 < 5300)
+                EXPECT_LT(w.x1, client.isChosen() && onBehalf.isChosen() ? 5400 : 6300)
+                    << qPrintable(w.text);
+            if (w.y0 > 13300 && w.y0 < 15300 && w.x0 > 7800)
+                EXPECT_LT(w.x1, 11300) << qPrintable(w.text);
+            if (w.page == 1 && w.x0 >= 400 && w.x0 < 5300 && w.y0 > head->y0 && w.y0 < 15200)
+                EXPECT_LT(w.x1, 5300) << qPrintable(w.text);
+        }
+    }
+}
+
+TEST(InvoiceDocument, LegalMentionsAndPaymentNoticesAreTheInstallations) {
+    Fixture f;
+    // Nothing set: the texts printed so far, no late-payment mention.
+    {
+        PdfText pdf(generateInvoicePdf(f.store(), f.settings, kClubInvoice));
+        const QString text = pdf.all();
+        EXPECT_TRUE(text.contains("TVA NON APPLICABLE"));
+        EXPECT_FALSE(text.contains("Pénalités"));
+        EXPECT_FALSE(text.contains("Indemnité"));
+        EXPECT_TRUE(text.contains("Les Règlements sont à effectuer à l'ordre de la K.V.A.R.N."));
+        EXPECT_TRUE(text.contains("GAGNEZ DU TEMPS ! Règlez par virement bancaire."));
+    }
+    {
+        QSettings ini(f.session->settingsPath(), QSettings::IniFormat);
+        ini.setValue("mentions/tva", "TVA non applicable, art. 293 B du CGI");
+        ini.setValue("mentions/penalites",
+                     "Pénalités de retard : trois fois le taux d'intérêt légal");
+        ini.setValue("mentions/indemnite",
+                     "Indemnité forfaitaire pour frais de recouvrement : 40 €");
+        ini.setValue("federation/ordre_reglement", "Règlements à l'ordre de la Fédération KVARN");
+        ini.setValue("federation/avis_virement", "Préférez le virement bancaire.");
+    }
+    f.settings = documentSettings(*f.session);
+    PdfText pdf(generateInvoicePdf(f.store(), f.settings, kClubInvoice));
+    const QString text = pdf.all();
+    EXPECT_FALSE(text.contains("TVA NON APPLICABLE"));
+    EXPECT_FALSE(text.contains("K.V.A.R.N."));
+    EXPECT_FALSE(text.contains("GAGNEZ"));
+    EXPECT_TRUE(text.contains("Règlements à l'ordre de la Fédération KVARN"));
+    EXPECT_TRUE(text.contains("Préférez le virement bancaire."));
+    // Under the totals, one under the other, left of them.
+    const Word* net = pdf.find("Net");
+    const Word* vat = pdf.find("293");
+    const Word* penalties = pdf.find("Pénalités");
+    const Word* fee = pdf.find("Indemnité");
+    ASSERT_TRUE(net && vat && penalties && fee);
+    EXPECT_EQ(pdf.lineOf(*vat, 0, 7000), "TVA non applicable, art. 293 B du CGI");
+    EXPECT_EQ(pdf.lineOf(*penalties, 0, 7000),
+              "Pénalités de retard : trois fois le taux d'intérêt légal");
+    EXPECT_EQ(pdf.lineOf(*fee, 0, 7000), "Indemnité forfaitaire pour frais de recouvrement : 40 €");
+    EXPECT_GT(vat->y0, pdf.find("DESIGNATION")->y0);
+    EXPECT_LT(vat->y0, penalties->y0);
+    EXPECT_LT(penalties->y0, fee->y0);
+    EXPECT_LT(fee->y0, pdf.find("Domiciliation")->y0);
+    EXPECT_LT(fee->x1, 7500);
+    EXPECT_LT(std::abs(vat->y0 - net->y0), 900);
+
+    // A credit note owes nothing: the VAT mention only.
+    PdfText credit(generateInvoicePdf(f.store(), f.settings, kCreditNote));
+    EXPECT_TRUE(credit.all().contains("TVA non applicable, art. 293 B du CGI"));
+    EXPECT_FALSE(credit.all().contains("Pénalités"));
+    EXPECT_FALSE(credit.all().contains("Indemnité"));
+
+    // An installation that wants no VAT mention at all says so with an empty value.
+    QSettings(f.session->settingsPath(), QSettings::IniFormat).setValue("mentions/tva", "");
+    f.settings = documentSettings(*f.session);
+    EXPECT_FALSE(
+        PdfText(generateInvoicePdf(f.store(), f.settings, kClubInvoice)).all().contains("TVA"));
 }

@@ -1,11 +1,14 @@
 #include "support/TestInstall.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QProcess>
+#include <QSaveFile>
 
 #include "app/InstallationSetup.h"
 #include "app/SignIn.h"
 #include "app/Startup.h"
+#include "app/ui/FrenchDesktop.h"
 #include "shell/Composition.h"
 #include "shell/DemoData.h"
 #include "support/TestServer.h"
@@ -36,11 +39,36 @@ std::unique_ptr<app::Session> TestInstall::startAs(const QString& login) const {
     return s;
 }
 
+namespace {
+
+// The offscreen platform's screen is 800 x 600 unless told otherwise; windows
+// are tried on the smallest laptop screen the federation's offices use.
+void offscreenLaptopScreen() {
+    if (qgetenv("QT_QPA_PLATFORM") != "offscreen") return;
+    const QString path = QDir::temp().filePath(
+        QStringLiteral("orve-ecran-%1x%2.json").arg(kScreenWidth).arg(kScreenHeight));
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) return;
+    file.write(QStringLiteral("{\"screens\": [{\"name\": \"portable\", \"x\": 0, \"y\": 0, "
+                              "\"width\": %1, \"height\": %2, \"logicalDpi\": 96, "
+                              "\"logicalBaseDpi\": 96, \"dpr\": 1}]}\n")
+                   .arg(kScreenWidth)
+                   .arg(kScreenHeight)
+                   .toUtf8());
+    if (!file.commit()) return;
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + QFile::encodeName(path));
+}
+
+}  // namespace
+
 void application() {
     static int argc = 1;
     static char name[] = "orve-tests";
     static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QApplication(argc, argv);
+    if (QCoreApplication::instance()) return;
+    offscreenLaptopScreen();
+    auto* app = new QApplication(argc, argv);
+    app::installFrench(*app);
 }
 
 int runProgram(const QString& program, const QStringList& args, const QString& input, QString* out,

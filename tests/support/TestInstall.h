@@ -32,6 +32,10 @@ class TestInstall {
 
 // The Qt application every test of windows or documents needs, made once per
 // test program and never destroyed: at exit Qt Sql's own statics are gone.
+// In French, as the program runs; offscreen, its one screen is a laptop's
+// kScreenWidth x kScreenHeight.
+constexpr int kScreenWidth = 1366;
+constexpr int kScreenHeight = 768;
 void application();
 
 // Runs a program, feeding stdin; returns its exit code, fills out and err.

@@ -1,8 +1,13 @@
 #include "app/ui/DataGrid.h"
 
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QMouseEvent>
+#include <QScrollBar>
 #include <QSignalBlocker>
+#include <QTimer>
+#include <QToolTip>
+#include <algorithm>
 
 namespace orve::app {
 
@@ -47,6 +52,15 @@ DataGrid::DataGrid(const QString& name, QWidget* parent) : QTableView(parent) {
         hideCardSections();
     });
     connect(m_model, &QAbstractItemModel::columnsInserted, this, &DataGrid::hideCardSections);
+    // Rows read while scrolling may be wider than the first page's.
+    connect(m_model, &QAbstractItemModel::rowsInserted, this, [this] {
+        if (m_filling || m_fitPending) return;
+        m_fitPending = true;
+        QTimer::singleShot(0, this, [this] {
+            m_fitPending = false;
+            fitColumns();
+        });
+    });
 }
 
 template <typename F>
@@ -59,7 +73,98 @@ void DataGrid::filling(F&& work) {
         throw;
     }
     m_filling = false;
-    resizeColumnsToContents();
+    fitColumns();
+}
+
+void DataGrid::fitColumns() {
+    QHeaderView* header = horizontalHeader();
+    const int shown = std::min(m_model->shownColumnCount(), m_model->columnCount());
+    if (shown <= 0) return;
+    // Sizing by content sets every section, the last one too: the stretch is
+    // taken off meanwhile and given back after, or the last column stays as
+    // narrow as its text until the window is resized.
+    const bool stretch = header->stretchLastSection();
+    header->setStretchLastSection(false);
+    for (int c = 0; c < shown; ++c)
+        if (!isColumnHidden(c) && header->sectionResizeMode(c) == QHeaderView::Interactive)
+            resizeColumnToContents(c);
+    // The room the columns have, known once the grid is shown (it is fitted
+    // again then).
+    const int room = isVisible() ? viewport()->width() : 0;
+    int total = 0;
+    std::vector<int> sizes(static_cast<size_t>(shown), 0);
+    for (int c = 0; c < shown; ++c)
+        if (!isColumnHidden(c)) total += sizes[static_cast<size_t>(c)] = header->sectionSize(c);
+    if (room > 0 && total > room) {
+        // The widest columns give way first, never below their head's width
+        // or a readable minimum, so that a long name does not push the other
+        // columns out of sight.
+        std::vector<int> limits(sizes.size(), 0);
+        for (int c = 0; c < shown; ++c)
+            limits[static_cast<size_t>(c)] =
+                header->sectionResizeMode(c) != QHeaderView::Interactive
+                    ? sizes[static_cast<size_t>(c)]  // sized by the window itself
+                    : std::max(80, header->fontMetrics().horizontalAdvance(
+                                       m_model->headerData(c, Qt::Horizontal).toString()) +
+                                       24);
+        // When even that cannot bring every column in sight, the grid scrolls
+        // sideways and every column keeps its whole text.
+        int least = 0;
+        for (int c = 0; c < shown; ++c)
+            if (!isColumnHidden(c)) least += std::min(sizes[size_t(c)], limits[size_t(c)]);
+        int excess = least <= room ? total - room : 0;
+        while (excess > 0) {
+            int widest = -1;
+            for (int c = 0; c < shown; ++c) {
+                const auto i = static_cast<size_t>(c);
+                if (sizes[i] > limits[i] && (widest < 0 || sizes[i] > sizes[size_t(widest)]))
+                    widest = c;
+            }
+            if (widest < 0) break;
+            int next = limits[size_t(widest)];
+            for (int c = 0; c < shown; ++c)
+                if (c != widest && sizes[size_t(c)] < sizes[size_t(widest)])
+                    next = std::max(next, sizes[size_t(c)]);
+            const int cut = std::min(excess, std::max(1, sizes[size_t(widest)] - next));
+            sizes[size_t(widest)] -= cut;
+            excess -= cut;
+        }
+        for (int c = 0; c < shown; ++c)
+            if (!isColumnHidden(c) && header->sectionSize(c) != sizes[size_t(c)])
+                header->resizeSection(c, sizes[size_t(c)]);
+    }
+    header->setStretchLastSection(stretch);
+}
+
+void DataGrid::clearChoice() {
+    const bool wasFilling = m_filling;
+    m_filling = true;
+    clearSelection();
+    setCurrentIndex({});
+    m_filling = wasFilling;
+}
+
+bool DataGrid::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        auto* help = static_cast<QHelpEvent*>(event);
+        const QModelIndex index = indexAt(help->pos());
+        const QString text = index.data(Qt::DisplayRole).toString();
+        // Some room for the cell's own margins.
+        if (index.isValid() &&
+            viewport()->fontMetrics().horizontalAdvance(text) + 8 > visualRect(index).width()) {
+            QToolTip::showText(help->globalPos(), text, viewport(), visualRect(index));
+        } else {
+            QToolTip::hideText();
+        }
+        return true;
+    }
+    return QTableView::viewportEvent(event);
+}
+
+void DataGrid::showEvent(QShowEvent* event) {
+    QTableView::showEvent(event);
+    // Sized before the window knew its width: fitted again to the real one.
+    fitColumns();
 }
 
 void DataGrid::setColumns(const std::vector<GridColumn>& columns) {

@@ -43,6 +43,14 @@ class DataGrid : public QTableView {
     // Lets the operator type into the cells (double click or a key).
     void setEditable(bool editable);
 
+    // Columns as wide as what they show, within the grid's width where the
+    // widest can give way (their cells then end in "…" and show the whole text
+    // on hover); a header that stretches its last column keeps doing so.
+    // Done after every fill; a window calls it after changing the columns.
+    void fitColumns();
+    // No row chosen, none highlighted (a card opened for a new record).
+    void clearChoice();
+
     // A user choosing a row.
     void choose(int row);
     // A user typing into a cell.
@@ -57,6 +65,9 @@ class DataGrid : public QTableView {
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    // A cell too narrow for its text shows the whole text on hover.
+    bool viewportEvent(QEvent* event) override;
 
   private:
     // Sections added for a card are the model's, never the grid's.
@@ -66,6 +77,7 @@ class DataGrid : public QTableView {
 
     StoreTableModel* m_model;
     bool m_filling = false;
+    bool m_fitPending = false;
     int m_rowBeforePress = -1;
 };
 

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -40,7 +41,7 @@ ORVE_menu::ORVE_menu(Session& session, Dialogs& dialogs, const ScreenCatalog& ca
     applyRights();
     setWindowTitle(app::windowTitle(m_session.installation()));
     resize(900, 560);
-    centreOnScreen(this);
+    fitOnScreen(this);
     m_login->clear();
     m_password->clear();
     m_login->setFocus();
@@ -136,10 +137,15 @@ void ORVE_menu::buildPanels() {
     auto* backupOk = new QPushButton(QStringLiteral("OK"), m_frame5);
     backupOk->setObjectName(QStringLiteral("cmdok"));
     connect(backupOk, &QPushButton::clicked, this, &ORVE_menu::runBackup);
+    // Choosing the entry by mistake must not oblige anyone to back up.
+    auto* backupCancel = new QPushButton(QStringLiteral("Annuler"), m_frame5);
+    backupCancel->setObjectName(QStringLiteral("cmdannule"));
+    connect(backupCancel, &QPushButton::clicked, m_frame5, &QWidget::hide);
     row->addWidget(m_disk);
     row->addWidget(m_folder);
     row->addWidget(browse);
     row->addWidget(backupOk);
+    row->addWidget(backupCancel);
     m_disk->setVisible(kDriveLetters);
     m_folder->setVisible(!kDriveLetters);
     browse->setVisible(!kDriveLetters);
@@ -163,22 +169,18 @@ void ORVE_menu::buildPanels() {
 }
 
 void ORVE_menu::applyRights() {
-    const auto& tree = menuTree();
-    for (size_t i = 0; i < tree.size(); ++i) {
-        const MenuEntry& e = tree[i];
-        const bool hasChildren = i + 1 < tree.size() && tree[i + 1].level > e.level;
-        bool usable = entryAllowed(e.name, m_session.signedIn(), m_session.user().login);
-        // An entry whose window is not built yet stays greyed.
-        if (usable && !hasChildren && !e.screen.isEmpty() && e.screen != QStringLiteral("Frame5"))
-            usable = m_catalog.has(e.screen);
-        m_actions[e.name]->setEnabled(usable);
+    for (const MenuEntry& e : menuTree()) {
+        // Greyed means "not for you" only; an entry whose window is not built
+        // yet says so when chosen.
+        m_actions[e.name]->setEnabled(
+            entryAllowed(e.name, m_session.signedIn(), m_session.user().login));
     }
 }
 
 void ORVE_menu::signIn() {
     guarded(m_dialogs, [&] {
         if (!app::signIn(m_session, m_login->text(), m_password->text())) {
-            m_dialogs.inform(kInvalidLogin);
+            m_dialogs.warn(kInvalidLogin);
             return;
         }
         applyRights();
@@ -199,7 +201,11 @@ void ORVE_menu::runEntry(const QString& name) {
     }
     for (const MenuEntry& e : menuTree()) {
         if (e.name != name) continue;
-        if (!e.screen.isEmpty() && m_catalog.has(e.screen)) openScreen(e.screen, e.mode);
+        if (e.screen.isEmpty()) return;
+        if (m_catalog.has(e.screen))
+            openScreen(e.screen, e.mode);
+        else
+            m_dialogs.inform(kNotYetAvailable);
         return;
     }
 }
@@ -214,14 +220,29 @@ void ORVE_menu::openScreen(const QString& name, const QString& mode) {
             if (!open) return;
             open->setWindowFlag(Qt::Window, true);
             open->setAttribute(Qt::WA_DeleteOnClose, true);
+            askBeforeClosing(open, m_dialogs);
+            fitOnScreen(open);
             open->show();
-            centreOnScreen(open);
         } else {
             open->showNormal();
         }
+        keepOnScreen(open);
         open->raise();
         open->activateWindow();
     });
+}
+
+void ORVE_menu::closeEvent(QCloseEvent* event) {
+    // Every window goes with the main one: a card being typed into would be lost.
+    for (const auto& [key, window] : m_open) {
+        if (!window || !isEditing(window)) continue;
+        if (!m_dialogs.ask(kQuitWhileEditing.arg(window->windowTitle().trimmed()))) {
+            event->ignore();
+            return;
+        }
+        break;
+    }
+    event->accept();
 }
 
 void ORVE_menu::showBackupPanel() {
@@ -240,7 +261,7 @@ void ORVE_menu::runBackup() {
     m_frame5->hide();
     const QString typed = (kDriveLetters ? m_disk : m_folder)->text().trimmed();
     if (typed.isEmpty()) {
-        m_dialogs.inform(kBackupNoLetter);
+        m_dialogs.warn(kBackupNoLetter);
         return;
     }
     const QString destination = kDriveLetters ? driveRoot(typed) : typed;
@@ -253,7 +274,10 @@ void ORVE_menu::runBackup() {
         failure = describeError(e);
     }
     QApplication::restoreOverrideCursor();
-    m_dialogs.inform(failure.isEmpty() ? kBackupDone : failure);
+    if (failure.isEmpty())
+        m_dialogs.inform(kBackupDone);
+    else
+        m_dialogs.fail(failure);
 }
 
 }  // namespace orve::app

@@ -18,6 +18,10 @@ class QPushButton;
 
 namespace orve::app {
 
+inline const QString kQuitWhileEditing = QStringLiteral(
+    "Une fiche est en cours de saisie (%1) et n'est pas enregistrée. Quitter ORVE sans "
+    "l'enregistrer ?");
+
 // The main window: sign-in, the menu bar by the operator's rights, the backup
 // panel. Closing it ends the program and every window opened from it.
 class ORVE_menu : public QMainWindow {
@@ -27,6 +31,9 @@ class ORVE_menu : public QMainWindow {
 
     // Opens a window modeless, or brings the open one back to the front.
     void openScreen(const QString& name, const QString& mode);
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
 
   private:
     void buildMenus();

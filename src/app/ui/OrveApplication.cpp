@@ -11,7 +11,10 @@ bool OrveApplication::notify(QObject* receiver, QEvent* event) {
         return QApplication::notify(receiver, event);
     } catch (const std::exception& e) {
         if (m_dialogs) {
-            m_dialogs->inform(describeError(e));
+            if (dynamic_cast<const Refusal*>(&e))
+                m_dialogs->warn(describeError(e));
+            else
+                m_dialogs->fail(describeError(e));
         } else {
             std::fprintf(stderr, "%s\n", qPrintable(describeError(e)));
         }

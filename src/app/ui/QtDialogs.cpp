@@ -4,7 +4,6 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 
 namespace orve::app {
@@ -12,21 +11,52 @@ namespace orve::app {
 namespace {
 QWidget* owner() { return QApplication::activeWindow(); }
 const QString kTitle = QStringLiteral("ORVE");
-}  // namespace
 
-void QtDialogs::inform(const QString& text) {
-    QMessageBox box(QMessageBox::Information, kTitle, text, QMessageBox::NoButton, owner());
-    box.addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
-    box.exec();
+QMessageBox::Icon iconOf(Dialogs::Kind kind) {
+    switch (kind) {
+        case Dialogs::Kind::Warning:
+            return QMessageBox::Warning;
+        case Dialogs::Kind::Error:
+            return QMessageBox::Critical;
+        case Dialogs::Kind::Question:
+            return QMessageBox::Question;
+        case Dialogs::Kind::Information:
+            break;
+    }
+    return QMessageBox::Information;
 }
 
-bool QtDialogs::ask(const QString& text) {
-    QMessageBox box(QMessageBox::Question, kTitle, text, QMessageBox::NoButton, owner());
-    QPushButton* yes = box.addButton(QStringLiteral("Oui"), QMessageBox::YesRole);
-    QPushButton* no = box.addButton(QStringLiteral("Non"), QMessageBox::NoRole);
-    box.setDefaultButton(no);
+void show(Dialogs::Kind kind, const QString& text) {
+    QMessageBox box(owner());
+    QtDialogs::prepare(box, kind, text);
     box.exec();
-    return box.clickedButton() == yes;
+}
+}  // namespace
+
+void QtDialogs::prepare(QMessageBox& box, Kind kind, const QString& text) {
+    box.setIcon(iconOf(kind));
+    box.setWindowTitle(kTitle);
+    box.setText(text);
+    if (kind == Kind::Question) {
+        // "Non" is the answer Enter gives: a question never does harm by default.
+        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+        box.button(QMessageBox::Yes)->setText(QStringLiteral("Oui"));
+        box.button(QMessageBox::No)->setText(QStringLiteral("Non"));
+        box.setDefaultButton(QMessageBox::No);
+        box.setEscapeButton(QMessageBox::No);
+    } else {
+        box.setStandardButtons(QMessageBox::Ok);
+    }
+}
+
+void QtDialogs::inform(const QString& text) { show(Kind::Information, text); }
+void QtDialogs::warn(const QString& text) { show(Kind::Warning, text); }
+void QtDialogs::fail(const QString& text) { show(Kind::Error, text); }
+
+bool QtDialogs::ask(const QString& text) {
+    QMessageBox box(owner());
+    prepare(box, Kind::Question, text);
+    return box.exec() == QMessageBox::Yes;
 }
 
 QString QtDialogs::chooseFolder(const QString& title, const QString& start) {

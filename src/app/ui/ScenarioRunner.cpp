@@ -18,6 +18,7 @@
 #include <QSet>
 #include <QSpinBox>
 #include <QSqlRecord>
+#include <QStatusBar>
 #include <QTextEdit>
 
 #include "app/ui/DataGrid.h"
@@ -96,6 +97,7 @@ QString textOf(QObject* o) {
     if (auto* w = qobject_cast<QWidget*>(o); w && w->isWindow() && !qobject_cast<QMenu*>(w))
         return w->windowTitle();
     if (auto* e = qobject_cast<QLineEdit*>(o)) return e->text();
+    if (auto* b = qobject_cast<QStatusBar*>(o)) return b->currentMessage();
     if (auto* e = qobject_cast<QTextEdit*>(o)) return e->toPlainText();
     if (auto* e = qobject_cast<QPlainTextEdit*>(o)) return e->toPlainText();
     if (auto* c = qobject_cast<QComboBox*>(o)) return c->currentText();

@@ -47,6 +47,9 @@ InvoiceHeaderBox::InvoiceHeaderBox(bool asksCompetitionData, QWidget* parent) : 
     comp->addWidget(new QLabel(QStringLiteral("Nom et date de la ligue"), m_competition), 1, 0);
     comp->addWidget(m_competitionTitle, 1, 1);
     comp->addWidget(validateComp, 1, 2);
+    // The title is the long one: it takes the width the labels leave.
+    comp->setColumnStretch(1, 1);
+    m_competitionTitle->setMinimumWidth(120);
     layout->addWidget(m_competition);
     m_competition->setVisible(asksCompetitionData);
     connect(validateComp, &QPushButton::clicked, this, &InvoiceHeaderBox::competitionDataValidated);
@@ -130,7 +133,10 @@ void InvoiceHeaderBox::setTotal(const QString& text) { m_total->setText(text); }
 void InvoiceHeaderBox::showClient(const InvoiceParty& p) {
     const QString texts[7] = {p.name,     p.president, p.address1,    p.address2,
                               p.address3, p.address4,  p.postcodeTown};
-    for (int i = 0; i < 7; ++i) m_client[i]->setText(texts[i]);
+    for (int i = 0; i < 7; ++i) {
+        m_client[i]->setText(texts[i]);
+        m_client[i]->setCursorPosition(0);
+    }
 }
 
 QString InvoiceHeaderBox::competitionNumber() const { return m_competitionNumber->text(); }
@@ -139,6 +145,7 @@ QString InvoiceHeaderBox::competitionTitle() const { return m_competitionTitle->
 void InvoiceHeaderBox::setCompetition(const QString& number, const QString& title) {
     m_competitionNumber->setText(number);
     m_competitionTitle->setText(title);
+    m_competitionTitle->setCursorPosition(0);
 }
 
 }  // namespace orve::invoicing

@@ -157,6 +157,10 @@ void InvoicePartyChooser::showParty(const InvoiceParty& p) {
     for (int i = 0; i < 7; ++i) m_lines[i]->setText(texts[i]);
     m_mail1->setText(p.mail1);
     m_mail2->setText(p.mail2);
+    // A long address or mail shows its beginning.
+    for (int i = 0; i < 7; ++i) m_lines[i]->setCursorPosition(0);
+    m_mail1->setCursorPosition(0);
+    m_mail2->setCursorPosition(0);
 }
 
 void InvoicePartyChooser::clear() {

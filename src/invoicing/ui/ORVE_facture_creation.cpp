@@ -117,6 +117,9 @@ ORVE_facture_creation::ORVE_facture_creation(app::Session& session, app::Dialogs
         relist();
     });
     newInvoice();
+    // A line or a header typed and not validated is lost if the window closes.
+    app::watchTyping(m_header, [this] { app::setEditing(this, true); });
+    app::watchTyping(m_lines, [this] { app::setEditing(this, true); });
     resize(1350, 720);
     // The form is filled from its top: the invoice's own data in LI and JORE,
     // else the party.
@@ -145,6 +148,7 @@ void ORVE_facture_creation::newInvoice() {
     m_lines->setDepositText(QStringLiteral("0"));
     m_lines->showLine({}, {}, {}, {}, {}, m_mode.presetText);
     m_lines->lines()->setRows({});
+    app::setEditing(this, false);
 }
 
 EntryHeaderState ORVE_facture_creation::headerState() const {
@@ -186,6 +190,8 @@ void ORVE_facture_creation::validateHeader() {
 }
 
 void ORVE_facture_creation::showInvoiceLines(const QString& lineToEdit) {
+    // Everything typed so far is written.
+    app::setEditing(this, false);
     app::DataGrid* grid = m_lines->lines();
     grid->setQuery(m_session.store(), linesQuery(m_number));
     const InvoiceTotal total = readTotal(m_session.store(), m_number);
@@ -246,7 +252,7 @@ void ORVE_facture_creation::cancelLine() {
 
 void ORVE_facture_creation::generateDocument() {
     if (m_number.isEmpty()) {
-        m_dialogs.inform(QStringLiteral("Validez d'abord l'entête de la facture."));
+        m_dialogs.warn(QStringLiteral("Validez d'abord l'entête de la facture."));
         return;
     }
     app::guarded(m_dialogs, [&] {
@@ -271,7 +277,6 @@ void ORVE_facture_creation::relist() {
             refreshInvoiceListing(m_session.store(), m_mode, m_list->panel()->condition());
         m_list->setCaption(kListCaption);
         m_list->grid()->setQuery(m_session.store().scratch(), invoiceListingQuery());
-        m_list->grid()->resizeColumnsToContents();
         m_list->setTotals(totalAmountText(totals.amount), totalQuantityText(totals.quantity));
     });
 }
@@ -345,7 +350,7 @@ void ORVE_facture_creation::issueCreditNotes() {
             m_list->setCaption(kListCaption);
             m_list->grid()->setQuery(m_session.store().scratch(), invoiceListingQuery());
         };
-        if (!check.refused.empty()) m_dialogs.inform(check.refusalText());
+        if (!check.refused.empty()) m_dialogs.warn(check.refusalText());
         if (check.accepted.empty() ||
             !m_dialogs.ask(QStringLiteral("Confirmez-vous la génération des avoirs "
                                           "correspondants à ces factures  ?"))) {

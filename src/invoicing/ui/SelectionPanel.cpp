@@ -1,5 +1,6 @@
 #include "invoicing/ui/SelectionPanel.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
@@ -17,6 +18,8 @@ void fill(QComboBox* combo, const QStringList& items, const QString& current = Q
     combo->addItems(items);
     const int i = current.isEmpty() ? 0 : combo->findText(current);
     combo->setCurrentIndex(i < 0 ? 0 : i);
+    // The list opens as wide as its longest item, however narrow the box.
+    combo->view()->setMinimumWidth(combo->view()->sizeHintForColumn(0) + 24);
 }
 
 }  // namespace
@@ -27,6 +30,9 @@ SelectionPanel::SelectionPanel(app::Dialogs& dialogs, QWidget* parent)
     for (int i = 0; i < 10; ++i) {
         m_combos[i] = new QComboBox(this);
         m_combos[i]->setObjectName(QStringLiteral("Combo%1").arg(i + 1));
+        // A long nature or organiser name must not widen the whole window.
+        m_combos[i]->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        m_combos[i]->setMinimumContentsLength(10);
         connect(m_combos[i], &QComboBox::currentIndexChanged, this, [this, i] {
             if (i == 3) leagueChanged();
             changed();

@@ -53,7 +53,9 @@ ORVE_ges_article::ORVE_ges_article(app::Session& session, app::Dialogs& dialogs,
     m_tariffGrid = new app::DataGrid(QStringLiteral("DBGrid2"), m_tariffs);
     m_tariffGrid->setColumns({{QStringLiteral("Saison"), "t_saison", Kind::Text},
                               {QStringLiteral("Tarif"), "t_tarif", Kind::Currency}});
+    // A few seasons at a time: the articles' list keeps the height.
     m_tariffGrid->setMinimumHeight(120);
+    m_tariffGrid->setMaximumHeight(150);
     tariffLayout->addWidget(m_tariffGrid, 1);
     auto* tariffCard = new QGridLayout;
     tariffLayout->addLayout(tariffCard);
@@ -106,7 +108,7 @@ void ORVE_ges_article::showRecord(const store::Row& record) {
 }
 
 void ORVE_ges_article::addArticle() {
-    setAdding(true);
+    startAdding();
     for (QLineEdit* box : {m_code, m_label, m_account, m_analytic, m_natureCode}) box->clear();
     m_nature->setCurrentIndex(0);
     m_tariffs->hide();
@@ -121,14 +123,14 @@ void ORVE_ges_article::checkAccount() {
     m_account->setModified(false);
     const auto checked = articles::checkAccount(m_account->text());
     m_account->setText(checked.text);
-    if (!checked.message.isEmpty()) dialogs().inform(checked.message);
+    if (!checked.message.isEmpty()) dialogs().warn(checked.message);
 }
 
 void ORVE_ges_article::saveRecord() {
     const articles::ArticleEdit edit{m_label->text(), m_natureCode->text(), m_account->text(),
                                      m_analytic->text()};
     if (adding())
-        articles::add(store(), edit);
+        setSavedKey(articles::add(store(), edit));
     else
         articles::save(store(), key(), edit);
 }
@@ -136,7 +138,7 @@ void ORVE_ges_article::saveRecord() {
 void ORVE_ges_article::chooseTariff(int row) {
     m_addingTariff = false;
     m_season->setText(m_tariffGrid->value(row, "t_saison").toString());
-    m_season->setReadOnly(true);
+    app::setLocked(m_season, true);
     m_price->setText(format::fileAmount(Money::fromVariant(m_tariffGrid->value(row, "t_tarif"))));
     m_price->setFocus();
 }
@@ -144,7 +146,8 @@ void ORVE_ges_article::chooseTariff(int row) {
 void ORVE_ges_article::addTariff() {
     m_addingTariff = true;
     m_season->clear();
-    m_season->setReadOnly(false);
+    app::setLocked(m_season, false);
+    m_tariffGrid->clearChoice();
     m_price->clear();
     m_season->setFocus();
 }
@@ -161,7 +164,7 @@ void ORVE_ges_article::saveTariff() {
 void ORVE_ges_article::cancelTariff() {
     m_addingTariff = false;
     m_season->clear();
-    m_season->setReadOnly(true);
+    app::setLocked(m_season, true);
     m_price->clear();
     run([&] { m_tariffGrid->setQuery(store(), articles::tariffListing(key(), m_tariffNature)); });
 }

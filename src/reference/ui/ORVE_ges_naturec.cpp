@@ -65,16 +65,16 @@ store::Query ORVE_ges_naturec::listing() { return natures::listing(); }
 
 void ORVE_ges_naturec::showRecord(const store::Row& record) {
     const auto nature = natures::fromRow(record);
-    m_code->setReadOnly(true);
+    app::setLocked(m_code, true);
     m_fact[nature.onEntries ? 0 : 1]->setChecked(true);
     m_lines[nature.invoiceLines ? 0 : 1]->setChecked(true);
     m_entryFees[nature.invoiceEntryFees ? 0 : 1]->setChecked(true);
 }
 
 void ORVE_ges_naturec::addNature() {
-    setAdding(true);
+    startAdding();
     m_code->clear();
-    m_code->setReadOnly(false);
+    app::setLocked(m_code, false);
     m_label->clear();
     m_fact[1]->setChecked(true);
     m_lines[0]->setChecked(true);
@@ -88,12 +88,13 @@ void ORVE_ges_naturec::saveRecord() {
                   {m_code->text(), m_label->text(), m_fact[0]->isChecked(), m_lines[0]->isChecked(),
                    m_entryFees[0]->isChecked()},
                   adding());
+    if (adding()) setSavedKey(m_code->text().toUpper());
 }
 
 void ORVE_ges_naturec::deleteNature() {
     const int row = grid()->currentRow();
     if (row < 0) {
-        dialogs().inform(QStringLiteral("Choisissez d'abord dans la liste la nature à supprimer."));
+        dialogs().warn(QStringLiteral("Choisissez d'abord dans la liste la nature à supprimer."));
         return;
     }
     const QString code = grid()->value(row, "n_code").toString();

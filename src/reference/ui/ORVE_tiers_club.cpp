@@ -69,7 +69,7 @@ ORVE_tiers_club::ORVE_tiers_club(app::Session& session, app::Dialogs& dialogs, Q
 store::Query ORVE_tiers_club::listing() { return clubs::listing(viewer()); }
 
 void ORVE_tiers_club::allowKeyEdit(bool allow) {
-    m_number->setReadOnly(!allow);
+    app::setLocked(m_number, !allow);
     m_league->setEnabled(allow);
     m_department->setEnabled(allow);
 }
@@ -82,7 +82,7 @@ void ORVE_tiers_club::showRecord(const store::Row& record) {
 }
 
 void ORVE_tiers_club::addClub() {
-    setAdding(true);
+    startAdding();
     clearBound();
     for (QLineEdit* box : {m_number, m_code, m_departmentCode, m_account}) box->clear();
     m_district->setText(clubs::kNewClubDistrict);
@@ -129,7 +129,7 @@ void ORVE_tiers_club::saveRecord() {
     const clubs::ClubEdit edit{readBound(),          m_district->text(),       m_account->text(),
                                m_leagueCode->text(), m_departmentCode->text(), m_number->text()};
     if (adding())
-        clubs::add(store(), edit, session().today());
+        setSavedKey(clubs::add(store(), edit, session().today()));
     else
         clubs::save(store(), key(), edit, session().today());
 }

@@ -27,22 +27,25 @@ ORVE_tiers_dept::ORVE_tiers_dept(app::Session& session, app::Dialogs& dialogs, Q
     addRow({}, {boundBox("txt_de_ad3", "de_ad3")});
     addRow({}, {boundBox("txt_de_ad4", "de_ad4")});
     addRow({}, {boundBox("txt_de_cp", "de_cp", 80), boundBox("txt_de_ville", "de_ville")});
-    addRow(QStringLiteral("Mails du Président du C.D. : "),
-           {boundBox("txt_de_mail1", "de_mail1"), boundBox("txt_de_mail2", "de_mail2")});
+    // Right half: whom the committee answers to and whom it is invoiced to,
+    // so that the card stays short and the list keeps its rows.
+    addRow(QStringLiteral("Mails du Président du C.D. : "), {boundBox("txt_de_mail1", "de_mail1")},
+           1);
+    addRow({}, {boundBox("txt_de_mail2", "de_mail2")}, 1);
     m_league = shows(textBox("txt_lr", 80), "de_region");
     m_leagueName = readOnlyBox("txt_lib_lr");
-    addRow(QStringLiteral("Ligue régionale : "), {m_league, m_leagueName});
+    addRow(QStringLiteral("Ligue régionale : "), {m_league, m_leagueName}, 1);
     auto* options = new QWidget(card());
     m_entityKind = optionGroup(QStringLiteral("Option1"),
                                {QStringLiteral("La Ligue"), QStringLiteral("au CD")}, options);
-    addRow(QStringLiteral("Facturation à : "), {options});
+    addRow(QStringLiteral("Facturation à : "), {options}, 1);
     m_entity = textBox("txt_facturation", 80);
     m_entityName = readOnlyBox("txt_lib_fact");
-    addRow(QStringLiteral("Code entité à facturer :  "), {m_entity, m_entityName});
+    addRow(QStringLiteral("Code entité à facturer :  "), {m_entity, m_entityName}, 1);
     m_district = shows(textBox("txt_district", 80), "de_district");
-    addRow(QStringLiteral("District:  "), {m_district});
+    addRow(QStringLiteral("District:  "), {m_district}, 1);
     m_account = shows(textBox("txt_compta", 100), "de_compta");
-    addRow(QStringLiteral("Imputation comptable :  "), {m_account});
+    addRow(QStringLiteral("Imputation comptable :  "), {m_account}, 1);
 
     // The names follow every keystroke; the message waits until the operator
     // leaves the box, so that typing a code is not interrupted at each letter.
@@ -64,7 +67,7 @@ ORVE_tiers_dept::ORVE_tiers_dept(app::Session& session, app::Dialogs& dialogs, Q
     });
     for (QRadioButton* option : m_entityKind)
         connect(option, &QRadioButton::clicked, this, [this] { lookUpEntity(true); });
-    resize(960, 720);
+    resize(1100, 720);
     start();
 }
 
@@ -84,7 +87,7 @@ void ORVE_tiers_dept::lookUpLeague(bool tell) {
         const auto found = committees::lookUpLeague(store(), m_league->text());
         m_leagueName->setText(found.name);
         m_leagueName->setCursorPosition(0);
-        if (tell && !found.message.isEmpty()) dialogs().inform(found.message);
+        if (tell && !found.message.isEmpty()) dialogs().warn(found.message);
     });
 }
 
@@ -93,7 +96,7 @@ void ORVE_tiers_dept::lookUpEntity(bool tell) {
         const auto found = committees::lookUpEntity(store(), {committeeEntity(), m_entity->text()});
         m_entityName->setText(found.name);
         m_entityName->setCursorPosition(0);
-        if (tell && !found.message.isEmpty()) dialogs().inform(found.message);
+        if (tell && !found.message.isEmpty()) dialogs().warn(found.message);
     });
 }
 

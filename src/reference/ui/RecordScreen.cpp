@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QItemDelegate>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "app/ui/ScreenSupport.h"
@@ -45,10 +46,18 @@ RecordScreen::RecordScreen(app::Session& session, app::Dialogs& dialogs, QWidget
     bold.setBold(true);
     m_card->setFont(bold);
     auto* cardLayout = new QVBoxLayout(m_card);
-    m_form = new QGridLayout;
+    // The boxes scroll on a short screen; Valider and Annuler stay below them.
+    m_formArea = new QWidget;
+    m_formArea->setObjectName(QStringLiteral("Frame1_champs"));
+    m_form = new QGridLayout(m_formArea);
+    m_form->setContentsMargins(0, 0, 0, 0);
     m_form->setColumnStretch(1, 1);
     m_form->setHorizontalSpacing(8);
-    cardLayout->addLayout(m_form);
+    QScrollArea* scroll = app::newScrollArea(m_formArea, m_card);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->viewport()->setAutoFillBackground(false);
+    m_formArea->setAutoFillBackground(false);
+    cardLayout->addWidget(scroll, 1);
     m_buttons = new QHBoxLayout;
     cardLayout->addLayout(m_buttons);
     m_main->addWidget(m_card);
@@ -58,7 +67,7 @@ RecordScreen::RecordScreen(app::Session& session, app::Dialogs& dialogs, QWidget
     m_cancel->setObjectName(cancelName);
     connect(m_grid, &app::DataGrid::rowChosen, this, &RecordScreen::chooseRow);
     connect(m_grid, &app::DataGrid::loadFailed, this,
-            [this](const QString& message) { m_dialogs.inform(message); });
+            [this](const QString& message) { m_dialogs.fail(message); });
     connect(m_validate, &QPushButton::clicked, this, &RecordScreen::validate);
     connect(m_cancel, &QPushButton::clicked, this, &RecordScreen::cancel);
 }
@@ -70,13 +79,15 @@ void RecordScreen::start() {
     m_buttons->addStretch(1);
     m_buttons->addWidget(m_validate);
     m_buttons->addWidget(m_cancel);
+    // Below everything a window added: where "Fiche enregistrée" is read.
+    app::statusBarOf(this);
     // Tab goes from the list to the window's own buttons, down the card, then
     // to Valider and Annuler.
     std::vector<QWidget*> order{m_grid};
     order.insert(order.end(), m_extraButtons.begin(), m_extraButtons.end());
-    for (QWidget* w : m_card->findChildren<QWidget*>())
-        if ((w->focusPolicy() & Qt::TabFocus) && w->window() == this && w != m_validate &&
-            w != m_cancel && !qobject_cast<QComboBox*>(w->parentWidget()))
+    for (QWidget* w : m_formArea->findChildren<QWidget*>())
+        if ((w->focusPolicy() & Qt::TabFocus) && w->window() == this &&
+            !qobject_cast<QComboBox*>(w->parentWidget()))
             order.push_back(w);
     order.push_back(m_validate);
     order.push_back(m_cancel);
@@ -87,7 +98,21 @@ void RecordScreen::start() {
         f.setBold(false);
         w->setFont(f);
     }
+    // What the operator types, ticks or picks on the card (not what is shown
+    // when a row is chosen) makes the card one being edited.
+    app::watchTyping(m_formArea, [this] { setCardEdited(true); });
     cancel();
+}
+
+void RecordScreen::setCardEdited(bool edited) {
+    app::setEditing(this, edited && !m_card->isHidden());
+}
+
+void RecordScreen::startAdding() {
+    m_adding = true;
+    m_key.clear();
+    m_grid->clearChoice();
+    setCardEdited(false);
 }
 
 void RecordScreen::chooseRow(int row) {
@@ -100,15 +125,21 @@ void RecordScreen::chooseRow(int row) {
         showRecord(record);
         showStarts();
         m_card->show();
+        setCardEdited(false);
     });
 }
 
 void RecordScreen::validate() {
-    if (run([&] { saveRecord(); })) cancel();
+    m_savedKey.clear();
+    if (!run([&] { saveRecord(); })) return;
+    const QString saved = m_savedKey.isEmpty() ? m_key : m_savedKey;
+    cancel();
+    app::tellSaved(this, saved);
 }
 
 void RecordScreen::cancel() {
     m_card->hide();
+    setCardEdited(false);
     m_adding = false;
     m_key.clear();
     run([&] { showListing(); });
@@ -160,11 +191,8 @@ QLineEdit* RecordScreen::shows(QLineEdit* box, const QString& column) {
 
 QLineEdit* RecordScreen::readOnlyBox(const QString& name, int width) {
     QLineEdit* box = textBox(name, width);
-    box->setReadOnly(true);
+    app::setLocked(box, true);
     box->setFocusPolicy(Qt::NoFocus);
-    QPalette p = box->palette();
-    p.setColor(QPalette::Base, p.color(QPalette::Window));
-    box->setPalette(p);
     return box;
 }
 

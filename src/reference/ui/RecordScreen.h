@@ -22,7 +22,10 @@ namespace orve::reference {
 
 // The record pattern every reference window follows: a grid of the table, a
 // card (`Frame1`) hidden until a row is chosen, `CmdValide` writes the card and
-// then does what `CmdAnnule` does: hide the card and show the stored data again.
+// then does what `CmdAnnule` does: hide the card and show the stored data again;
+// the status line then says "Fiche enregistrée : KEY". The card's boxes scroll
+// when the screen is short, its buttons stay in view; closing the window with
+// a card being typed into asks first.
 // The card shows the chosen row of the grid's own model, so choosing a row
 // reads nothing more; writing goes through the window's rule.
 // A window adds its columns, its card boxes and its one rule per handler.
@@ -51,7 +54,10 @@ class RecordScreen : public QWidget {
     // The key of the record on the card (the grid's first column), empty when adding.
     const QString& key() const { return m_key; }
     bool adding() const { return m_adding; }
-    void setAdding(bool adding) { m_adding = adding; }
+    // An empty card for a new record: no row of the grid stays chosen.
+    void startAdding();
+    // The key a new record got, for the status line.
+    void setSavedKey(const QString& key) { m_savedKey = key; }
 
     // Puts a caption above the grid.
     void setGridCaption(const QString& caption);
@@ -62,6 +68,7 @@ class RecordScreen : public QWidget {
     QLineEdit* boundBox(const QString& name, const QString& column, int width = 0);
     // A box that shows its column of the chosen row; the window reads it itself.
     QLineEdit* shows(QLineEdit* box, const QString& column);
+    // A box the operator never types into (a name looked up, a key): locked.
     QLineEdit* readOnlyBox(const QString& name, int width = 0);
     // One line of the card: a label and its controls, in the given card column
     // (0 or 1) so that long cards fit in two halves.
@@ -97,6 +104,8 @@ class RecordScreen : public QWidget {
   private:
     // The listing the first time, then read again as far as it had been read.
     void showListing();
+    // The operator typed into the card, or cleared it.
+    void setCardEdited(bool edited);
 
     app::Session& m_session;
     app::Dialogs& m_dialogs;
@@ -104,6 +113,7 @@ class RecordScreen : public QWidget {
     QDataWidgetMapper* m_mapper;
     QLabel* m_gridCaption = nullptr;
     QGroupBox* m_card;
+    QWidget* m_formArea;
     QGridLayout* m_form;
     QVBoxLayout* m_main;
     QHBoxLayout* m_buttons;
@@ -114,6 +124,7 @@ class RecordScreen : public QWidget {
     std::vector<std::pair<QLineEdit*, QString>> m_shown;  // filled from the chosen row
     std::vector<QWidget*> m_extraButtons;
     QString m_key;
+    QString m_savedKey;
     bool m_adding = false;
 };
 

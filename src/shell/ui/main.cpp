@@ -8,6 +8,7 @@
 #endif
 
 #include "app/Startup.h"
+#include "app/ui/FrenchDesktop.h"
 #include "app/ui/ORVE_menu.h"
 #include "app/ui/OrveApplication.h"
 #include "app/ui/QtDialogs.h"
@@ -58,6 +59,12 @@ int main(int argc, char** argv) {
     orve::shell::quietQtMessages();
     OrveApplication app(argc, argv);
     app.setApplicationName(QStringLiteral("ORVE"));
+    if (!installFrench(app) && scenario.isEmpty())
+        std::fprintf(stderr,
+                     "Les traductions françaises de Qt sont introuvables dans %s : les "
+                     "fenêtres de choix de fichier resteront en anglais (paquet "
+                     "qt6-translations-l10n).\n",
+                     qPrintable(QDir::toNativeSeparators(qtTranslationsFolder())));
     ScreenCatalog catalog;
     orve::shell::registerScreens(catalog);
     const QString programFolder =
@@ -80,7 +87,7 @@ int main(int argc, char** argv) {
             menu = std::make_unique<ORVE_menu>(*session, dialogs, catalog);
             menu->show();
         } catch (const std::exception& e) {
-            dialogs.inform(orve::describeError(e));
+            dialogs.fail(orve::describeError(e));
         }
         ScenarioRunner runner(dialogs, session.get());
         const QString failure = runner.run(script);
@@ -101,7 +108,7 @@ int main(int argc, char** argv) {
             return dialogs.askPassword(question);
         });
     } catch (const std::exception& e) {
-        dialogs.inform(orve::describeError(e));
+        dialogs.fail(orve::describeError(e));
         return 1;
     }
     ORVE_menu menu(*session, dialogs, catalog);

@@ -1,0 +1,20 @@
+#include "shell/DemoSettings.h"
+
+#include <QDir>
+#include <QSettings>
+
+namespace orve::shell {
+
+void writeDemoMentions(const QString& folder) {
+    QSettings ini(QDir(folder).filePath(QStringLiteral("orve.ini")), QSettings::IniFormat);
+    ini.beginGroup(QStringLiteral("mentions"));
+    ini.setValue("tva", QStringLiteral("TVA non applicable, art. 293 B du CGI"));
+    ini.setValue("penalites",
+                 QStringLiteral("Pénalités de retard : trois fois le taux d'intérêt légal"));
+    ini.setValue("indemnite",
+                 QStringLiteral("Indemnité forfaitaire pour frais de recouvrement : 40 €"));
+    ini.endGroup();
+    ini.sync();
+}
+
+}  // namespace orve::shell
