@@ -11,7 +11,9 @@
 #include "competitions/PseudoCompetitions.h"
 #include "invoicing/DemoInvoices.h"
 #include "store/Formats.h"
+#include "shell/DemoSettings.h"
 #include "store/Refusal.h"
+#include "store/Seasons.h"
 #include "store/Store.h"
 
 namespace orve::shell {
@@ -574,10 +576,11 @@ void createDemoInstallation(const QString& dir, const QDate& today, const QStrin
                         QStringLiteral("D1")},
                        today, base);
     writeSettings(dir);
+    writeDemoMentions(dir);
     auto store = app::openInstallationStore(QDir(dir).absolutePath());
     const QString todayText = format::displayDate(today);
     // The season in progress: a season s runs from September of s-1 to August of s.
-    const int season = today.month() >= 9 ? today.year() + 1 : today.year();
+    const int season = store::seasonOf(today);
     {
         store::Transaction tx(*store);
         fillReference(*store, todayText, season);
@@ -590,7 +593,7 @@ void createDemoInstallation(const QString& dir, const QDate& today, const QStrin
         store->update(QStringLiteral("strcompetition"),
                       {{"c_saison", QString::number(season)},
                        {"c_date_finale", QStringLiteral("31/08/%1").arg(season)},
-                       {"c_tri_finale", QStringLiteral("%10831").arg(season)}},
+                       {"c_tri_finale", QString::number(season) + QStringLiteral("0831")}},
                       QStringLiteral("c_facture = ? AND c_index LIKE ?"),
                       {QStringLiteral("X"), QStringLiteral("8FA%")});
         store->update(
