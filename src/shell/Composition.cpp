@@ -4,6 +4,7 @@
 
 #include "app/Startup.h"
 #include "competitions/CompetitionBatch.h"
+#include "competitions/NationalBatch.h"
 #include "competitions/PseudoCompetitions.h"
 #include "invoicing/InvoicingBatch.h"
 #include "invoicing/MailBatch.h"
@@ -43,6 +44,7 @@ void registerBatchCommands(app::BatchRegistry& registry) {
     tools::registerToolsBatchCommands(registry);
     invoicing::registerMailBatchCommands(registry);
     competitions::registerCompetitionBatchCommands(registry);
+    competitions::registerNationalBatchCommands(registry);
 }
 
 }  // namespace orve::shell
