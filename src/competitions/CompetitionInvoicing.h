@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "competitions/RowInvoicing.h"
 #include "invoicing/DocumentSettings.h"
 #include "invoicing/InvoiceRecords.h"
 #include "reference/Visibility.h"
@@ -15,10 +16,6 @@
 // Turns the "C" party rows of a competition into invoices, prints them and
 // closes the rows: " " → "C" → "A" (invoice written) → "F" (document on disk).
 namespace orve::competitions {
-
-// Tariff articles of a competition's fees.
-inline const QString kEntryFeeArticle = QStringLiteral("99999991");
-inline const QString kLineFeeArticle = QStringLiteral("99999990");
 
 // What the window asks before generating.
 struct InvoicingPlan {
@@ -54,15 +51,6 @@ struct PartyRowCounts {
 std::vector<invoicing::InvoiceLine> competitionInvoiceLines(
     const PartyRowCounts& row, const QString& nature, int playersPerTeam, bool billEntry,
     bool billLines, bool national, const QString& competitionTitle, const InvoicingPrices& prices);
-
-// Called between whole invoices with "done of total"; false cancels.
-using InvoicingProgress = std::function<bool(int done, int total)>;
-
-struct InvoicingOutcome {
-    std::vector<QString> numbers;  // invoices written, in order
-    std::vector<QString> files;    // documents written
-    bool cancelled = false;
-};
 
 // Writes one invoice per "C" row (each invoice with its lines in one
 // transaction, then its row "A"), then renders the documents on every core

@@ -4,6 +4,7 @@
 
 #include "app/Startup.h"
 #include "competitions/CompetitionBatch.h"
+#include "competitions/NationalBatch.h"
 #include "competitions/PseudoCompetitions.h"
 #include "imports/ImportBatch.h"
 #include "invoicing/InvoicingBatch.h"
@@ -45,6 +46,7 @@ void registerBatchCommands(app::BatchRegistry& registry) {
     invoicing::registerMailBatchCommands(registry);
     competitions::registerCompetitionBatchCommands(registry);
     imports::registerImportBatchCommands(registry);
+    competitions::registerNationalBatchCommands(registry);
 }
 
 }  // namespace orve::shell

@@ -550,6 +550,92 @@ void fillCompetitions(Store& s, int season) {
     }
 }
 
+// Competitions of the working season as the national championship and
+// private imports write them, with what their invoicing reads: lines at
+// levels N1 to N3, a fixed part (cents) and players. Some owe nothing or name
+// nobody ("CL99999"), as real files have them.
+struct DemoImported {
+    const char* number;  // after the prefix
+    const char* type;
+    const char* nature;
+    const char* title;
+    const char* codification;
+    const char* organiser;
+    const char* n1;
+    const char* n2;
+    const char* n3;
+    qint64 fixedPartCents;
+    qint64 players;
+    int month, day;  // in the season's first year (autumn) or second
+};
+
+void fillImportedCompetitions(Store& s, int season) {
+    const QString digit = QString::number(season).right(1);
+    const DemoImported demo[] = {
+        {"00001", "FD", "CDCND", "CHAMPIONNAT DES CLUBS-NATIONAL", "CL13001",
+         "Bowling Club Phocéen", "4", "2", "0", 0, 0, 5, 27},
+        {"00002", "FD", "CDCNH", "CHAMPIONNAT DES CLUBS-NATIONAL", "CL13001",
+         "Bowling Club Phocéen", "6", "0", "1", 0, 0, 5, 27},
+        {"00003", "FD", "CDCND", "CHAMPIONNAT DES CLUBS-NATIONAL", "CL75001", "Paris Quilles Club",
+         "0", "0", "0", 0, 0, 5, 27},
+        {"00004", "FD", "CDCNH", "CHAMPIONNAT DES CLUBS-NATIONAL", "CL75001", "Paris Quilles Club",
+         "3", "3", "3", 0, 0, 5, 27},
+        {"00005", "FD", "CDCND", "CHAMPIONNAT DES CLUBS-NATIONAL", "CL99999", "Club inconnu", "5",
+         "0", "0", 0, 0, 5, 27},
+        {"00001", "PR", "PRIVE", "Tournoi d'automne du Prado", "BOW0131", "BOW0131", "", "", "",
+         5000, 24, 10, 12},
+        {"00002", "PR", "PRIVE", "Open de Bercy", "CL75001", "CL75001", "", "", "", 0, 40, 1, 16},
+        {"00003", "PR", "PRIVE", "Trophée du comité des Bouches-du-Rhône", "CD13", "CD013", "", "",
+         "", 3000, 0, 3, 6},
+        {"00004", "PR", "PRIVE", "Masters de la ligue Azur", "LR06", "LR06", "", "", "", 0, 0, 4,
+         3},
+        {"00005", "PR", "PRIVE", "Tournoi sans organisateur", "CL99999", "CL99999", "", "", "",
+         2000, 10, 2, 20},
+    };
+    for (const auto& d : demo) {
+        const bool championship = QString::fromUtf8(d.type) == QStringLiteral("FD");
+        const QDate date(d.month >= 9 ? season - 1 : season, d.month, d.day);
+        const QString organiser = QString::fromUtf8(d.organiser);
+        // A private competition's organiser kind: a club, a committee, a league.
+        const QString kind = organiser.startsWith(QStringLiteral("CL"))   ? QStringLiteral("C")
+                             : organiser.startsWith(QStringLiteral("CD")) ? QStringLiteral("D")
+                             : organiser.startsWith(QStringLiteral("LR")) ? QStringLiteral("R")
+                                                                          : QStringLiteral(" ");
+        s.insert("strcompetition",
+                 {{"c_index", digit + QString::fromUtf8(championship ? "FD" : "PR") +
+                                  QString::fromUtf8(d.number)},
+                  {"index_reference", competitions::kMasterReference},
+                  {"c_saison", QString::number(season)},
+                  {"c_type", QString::fromUtf8(d.type)},
+                  {"c_intitule", QString::fromUtf8(d.title)},
+                  {"c_formule", "00"},
+                  {"c_nature", QString::fromUtf8(d.nature)},
+                  {"c_codification", QString::fromUtf8(d.codification)},
+                  {"c_cod1", championship ? QString() : QStringLiteral("NATDM")},
+                  {"c_cod2", championship ? QString() : QString::fromUtf8(d.number)},
+                  {"c_cod3", QString::fromUtf8(d.n1)},
+                  {"c_cod4", QString::fromUtf8(d.n2)},
+                  {"c_cod5", QString::fromUtf8(d.n3)},
+                  {"c_date_finale", format::displayDate(date)},
+                  {"c_tri_finale", format::sortDate(date)},
+                  {"c_dept", "00"},
+                  {"c_num_bowling", "000"},
+                  {"c_organisateur", championship ? QStringLiteral("C") : kind},
+                  {"c_nom_organisateur", championship ? organiser : QString()},
+                  {"c_arbitre", "NC"},
+                  {"c_nb_equipe_eliminatoire", d.fixedPartCents},
+                  {"c_nb_equipe_finale", d.players},
+                  {"c_date_enreg", format::displayDate(QDate(season - 1, 9, 1))},
+                  {"c_date_modif", format::displayDate(QDate(season - 1, 9, 1))},
+                  {"c_facture", competitions::kOpenState},
+                  {"c_nat_fact", "C"},
+                  {"c_fact_ligne", "N"},
+                  {"c_fact_engagement", "N"},
+                  {"c_envoi_mail", "N"},
+                  {"c_add_tiers", "N"}});
+    }
+}
+
 void writeSettings(const QString& dir) {
     QSettings ini(QDir(dir).filePath(QStringLiteral("orve.ini")), QSettings::IniFormat);
     ini.beginGroup(QStringLiteral("federation"));
@@ -602,6 +688,7 @@ void createDemoInstallation(const QString& dir, const QDate& today, const QStrin
             QStringLiteral("c_index = ?"), {competitions::kLicenceIndex});
         invoicing::createDemoInvoices(*store, today);
         fillCompetitions(*store, season);
+        fillImportedCompetitions(*store, season);
         tx.commit();
     }
     for (const auto& u : demoUsers()) {

@@ -1,11 +1,9 @@
 #include "competitions/ui/ORVE_ges_competition.h"
 
 #include <QComboBox>
-#include <QDir>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QPrinterInfo>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QScrollArea>
@@ -18,12 +16,10 @@
 #include "competitions/CompetitionCalculation.h"
 #include "competitions/ui/CompetitionCard.h"
 #include "competitions/ui/CompetitionTariffPanel.h"
+#include "competitions/ui/GenerationOutput.h"
 #include "competitions/ui/PartyRowsPanel.h"
 #include "competitions/ui/PriceFrame.h"
 #include "invoicing/DocumentSettings.h"
-#include "invoicing/InvoiceDocument.h"
-#include "invoicing/PrinterLookup.h"
-#include "invoicing/ui/InvoiceOutput.h"
 #include "reference/Natures.h"
 #include "store/Refusal.h"
 #include "store/Seasons.h"
@@ -43,29 +39,6 @@ QToolButton* imageButton(QWidget* parent, const QString& name, const QIcon& icon
     b->setAutoRaise(true);
     b->setToolTip(tip);
     return b;
-}
-
-// The printer named in orve.ini must be there before anything is made.
-void checkPrinter(const QString& printer) {
-    if (printer.isEmpty()) return;
-    QStringList names;
-    for (const QPrinterInfo& p : QPrinterInfo::availablePrinters()) names << p.printerName();
-    if (invoicing::findPrinter(names, printer) < 0)
-        throw Refusal(invoicing::printerNotFoundMessage(printer));
-}
-
-QString madeText(const InvoicingOutcome& outcome, const QString& folder) {
-    const QString where = QDir::toNativeSeparators(folder);
-    const int made = static_cast<int>(outcome.numbers.size());
-    QString text = outcome.cancelled ? QStringLiteral("Génération interrompue. ") : QString();
-    if (made == 0) return text + QStringLiteral("Aucune facture n'a été générée.");
-    text += made == 1 ? QStringLiteral("Facture générée : 1 (N° %1).").arg(outcome.numbers.front())
-                      : QStringLiteral("Factures générées : %1 (N° %2 à %3).")
-                            .arg(made)
-                            .arg(outcome.numbers.front(), outcome.numbers.back());
-    return text + QStringLiteral("\nDocuments (%1) dans le dossier : %2")
-                      .arg(outcome.files.size())
-                      .arg(where);
 }
 
 }  // namespace
@@ -392,7 +365,7 @@ void ORVE_ges_competition::generate() {
     progress.setMinimumDuration(500);
     InvoicingOutcome outcome;
     const bool made = app::guarded(m_dialogs, [&] {
-        checkPrinter(settings.letterhead.printer);
+        checkDocumentPrinter(settings.letterhead.printer);
         outcome = invoiceCompetition(
             m_session.store(), viewer(), settings, plan.index, m_prices, m_session.today(),
             [&](int done, int total) {
@@ -406,14 +379,8 @@ void ORVE_ges_competition::generate() {
     // What was made stays made, even after a failure: the rows show it.
     showCompetition(plan.index, false);
     if (!made) return;
-    m_dialogs.inform(madeText(outcome, settings.invoiceFolder));
-    if (!settings.letterhead.printer.isEmpty())
-        app::guarded(m_dialogs, [&] {
-            for (const QString& number : outcome.numbers)
-                invoicing::printInvoiceDocument(
-                    settings.letterhead.printer,
-                    invoicing::loadInvoiceDocument(m_session.store(), number), settings);
-        });
+    m_dialogs.inform(generationMessage(outcome, settings.invoiceFolder));
+    printGenerated(m_session.store(), m_dialogs, settings, outcome.numbers);
 }
 
 void ORVE_ges_competition::stopInvoicing() {

@@ -1,0 +1,339 @@
+#include "competitions/RowInvoicing.h"
+
+#include <QHash>
+
+#include "competitions/CompetitionRegister.h"
+#include "invoicing/InvoiceFiles.h"
+#include "store/Formats.h"
+#include "store/Refusal.h"
+
+namespace orve::competitions {
+
+using invoicing::InvoiceLine;
+using invoicing::InvoiceParty;
+using store::Store;
+
+namespace {
+
+QString text(const store::Row& r, const char* column) {
+    return r.value(QLatin1String(column)).toString().trimmed();
+}
+
+QString joined(const QString& a, const QString& b) {
+    if (a.isEmpty()) return b;
+    if (b.isEmpty()) return a;
+    return a + QChar(' ') + b;
+}
+
+// The address block as the document prints it: its blank lines left out.
+QStringList addressLines(const InvoiceParty& p) {
+    QStringList out;
+    for (const QString& l :
+         {p.name, p.president, p.address1, p.address2, p.address3, p.address4, p.postcodeTown})
+        if (!l.trimmed().isEmpty()) out << l.trimmed();
+    return out;
+}
+
+// The document of an invoice just written, from the values written: what
+// reading it back would give, without the reading.
+invoicing::InvoiceDocumentData documentOf(const QString& number, const PreparedInvoice& inv,
+                                          const QDate& today, const QDate& due) {
+    invoicing::InvoiceDocumentData d;
+    d.number = number;
+    d.date = format::displayDate(today);
+    d.dueDate = format::displayDate(due);
+    d.account = inv.party.account.trimmed();
+    d.billed = addressLines(inv.party);
+    d.billedName = inv.party.name.trimmed();
+    d.clientAccount = d.account;
+    d.client = d.billed;
+    d.competitionTitle = inv.title.trimmed();
+    d.competitionDate = inv.competitionDate;
+    d.season = inv.season;
+    d.code1 = inv.code1;
+    d.code2 = inv.code2;
+    int lineNumber = 0;
+    for (const InvoiceLine& l : inv.lines)
+        d.lines.push_back({format::zeroPad(++lineNumber, 2), l.article, l.text, l.quantity,
+                           l.unitPrice, l.amount()});
+    return d;
+}
+
+store::Fields headerFields(const QString& number, const PreparedInvoice& inv, const QDate& today,
+                           const QDate& due) {
+    const InvoiceParty& p = inv.party;
+    Money total;
+    for (const auto& l : inv.lines) total += l.amount();
+    return {{"ent_fact_no", number},
+            {"ent_fact_type",
+             total.isNegative() ? invoicing::kCreditNoteType : invoicing::kInvoiceType},
+            {"ent_nature", inv.nature},
+            {"ent_fact_date", format::displayDate(today)},
+            {"ent_fact_tri", format::sortDate(today)},
+            {"ent_fact_echeance", format::displayDate(due)},
+            {"ent_fact_competition", inv.title},
+            {"ent_c_index", inv.rowIndex},
+            {"ent_c_codification", inv.codification},
+            {"ent_tiers_fact", p.account},
+            {"ent_fact_entite", " "},
+            {"ent_fact_lib", p.name},
+            {"ent_fact_president", p.president},
+            {"ent_fact_ad1", p.address1},
+            {"ent_fact_ad2", p.address2},
+            {"ent_fact_ad3", p.address3},
+            {"ent_fact_ad4", p.address4},
+            {"ent_fact_cp_ville", p.postcodeTown},
+            {"ent_fact_mail1", p.mail1},
+            {"ent_fact_mail2", p.mail2},
+            {"ent_tiers_clt", p.account},
+            {"ent_clt_entite", " "},
+            {"ent_clt_lib", p.name},
+            {"ent_clt_president", p.president},
+            {"ent_clt_ad1", p.address1},
+            {"ent_clt_ad2", p.address2},
+            {"ent_clt_ad3", p.address3},
+            {"ent_clt_ad4", p.address4},
+            {"ent_clt_cp_ville", p.postcodeTown},
+            {"ent_acompte", 0},
+            {"ent_montant", QVariant::fromValue<qint64>(total.cents())},
+            {"ent_fact_edt", "O"},
+            {"ent_envoi_mail", "N"},
+            {"ent_compta", "N"}};
+}
+
+// The invoice and its lines, under the numbering lock, in one transaction
+// of the invoice file alone; then the row "A" that points at it, in one of
+// the competition file. The two files commit one after the other even inside
+// one transaction (SQLite commits attached files in turn), so a kill between
+// two commits could leave a row pointing at a number never written, taken
+// again by the next invoice. Written in this order, a kill leaves at worst a
+// whole invoice that no row points at yet, which the next run takes over
+// (adoptedInvoices) instead of writing it twice.
+// Empty when the row is no longer "C".
+QString writeInvoice(Store& store, const PreparedInvoice& inv, const QDate& today,
+                     const QDate& due) {
+    store::Transaction tx(store);
+    store.lockSeries(invoicing::kInvoiceSeries);
+    // Another workstation may have opened the window and reset the row
+    // meanwhile: it is then no longer this run's to invoice.
+    if (!store.exists(QStringLiteral("SELECT 1 FROM strcompetition WHERE c_index = ? AND "
+                                     "c_facture = ?"),
+                      {inv.rowIndex, kCalculatedState}))
+        return {};
+    const QString number = invoicing::nextInvoiceNumber(store);
+    store.insert(QStringLiteral("strentete"), headerFields(number, inv, today, due));
+    const QString padded = invoicing::paddedInvoiceNumber(number);
+    int lineNumber = 0;
+    for (const InvoiceLine& l : inv.lines)
+        store.insert(QStringLiteral("strfacture"),
+                     {{"f_num_facture", padded},
+                      {"f_date_fact", format::displayDate(today)},
+                      {"f_tri_date", format::sortDate(today)},
+                      {"f_num_lig", format::zeroPad(++lineNumber, 2)},
+                      {"f_article", l.article},
+                      {"f_libelle", l.text},
+                      {"f_qte", l.quantity},
+                      {"f_pu", QVariant::fromValue<qint64>(l.unitPrice.cents())},
+                      {"f_montant", QVariant::fromValue<qint64>(l.amount().cents())},
+                      {"f_nature", inv.nature},
+                      {"f_index_compet", inv.rowIndex},
+                      {"f_tiers_fact", inv.party.account},
+                      {"f_fact_entite", " "},
+                      {"f_tiers_clt", inv.party.account},
+                      {"f_clt_entite", " "}});
+    tx.commit();
+    return number;
+}
+
+// The row follows its invoice: "A", its number and date.
+void markRowWritten(Store& store, const QString& rowIndex, const QString& number,
+                    const QString& date) {
+    store::Transaction tx(store);
+    const auto day = format::parseDisplayDate(date);
+    store.update(QStringLiteral("strcompetition"),
+                 {{"c_facture", kWrittenState},
+                  {"c_num_facture", number},
+                  {"c_date_facture", date},
+                  {"c_tri_facture", day ? format::sortDate(*day) : QStringLiteral(" ")}},
+                 QStringLiteral("c_index = ? AND c_facture = ?"), {rowIndex, kCalculatedState});
+    tx.commit();
+}
+
+// An invoice a killed run wrote for a row without reaching the row: filed
+// under a row still "C", pointed at by no row, cancelled by no credit note,
+// made out to the same party with the very lines the row now owes. Taking it
+// over is the same as writing it again, without the second invoice. Returns
+// its number and date by row.
+QHash<QString, std::pair<QString, QString>> adoptedInvoices(
+    const Store& store, const std::vector<PreparedInvoice>& invoices) {
+    QHash<QString, std::pair<QString, QString>> adopted;
+    const auto orphans = store.select(
+        QStringLiteral(
+            "SELECT e.ent_fact_no, e.ent_c_index, e.ent_tiers_fact, e.ent_fact_date "
+            "FROM strentete e WHERE e.ent_c_index IN (SELECT c_index FROM strcompetition "
+            "WHERE c_facture = ?) AND e.ent_fact_type = ? "
+            "AND NOT EXISTS (SELECT 1 FROM strcompetition c WHERE c.c_num_facture = "
+            "e.ent_fact_no) AND NOT EXISTS (SELECT 1 FROM strentete o WHERE o.ent_fact_origine "
+            "= e.ent_fact_no) ORDER BY CAST(e.ent_fact_no AS INTEGER)"),
+        {kCalculatedState, invoicing::kInvoiceType});
+    if (orphans.empty()) return adopted;
+    QHash<QString, const PreparedInvoice*> byRow;
+    for (const auto& inv : invoices) byRow.insert(inv.rowIndex.toUpper(), &inv);
+    for (const auto& o : orphans) {
+        const PreparedInvoice* inv = byRow.value(text(o, "ent_c_index").toUpper());
+        if (!inv || adopted.contains(inv->rowIndex)) continue;
+        if (text(o, "ent_tiers_fact").compare(inv->party.account, Qt::CaseInsensitive) != 0)
+            continue;
+        const QString number = text(o, "ent_fact_no");
+        const auto stored = invoicing::readLines(store, number);
+        bool same = stored.size() == inv->lines.size();
+        for (size_t i = 0; same && i < stored.size(); ++i)
+            same = stored[i].article == inv->lines[i].article &&
+                   stored[i].text == inv->lines[i].text &&
+                   stored[i].quantity == inv->lines[i].quantity &&
+                   stored[i].unitPrice == inv->lines[i].unitPrice;
+        if (same) adopted.insert(inv->rowIndex, {number, text(o, "ent_fact_date")});
+    }
+    return adopted;
+}
+
+}  // namespace
+
+QDate endOfMonthDueDate(const QDate& today) {
+    if (today.day() < 16) return QDate(today.year(), today.month(), today.daysInMonth());
+    const QDate next = QDate(today.year(), today.month(), 1).addMonths(1);
+    return QDate(next.year(), next.month(), 15);
+}
+
+Money seasonTariff(const Store& store, const QString& article, const QString& season,
+                   const QString& nature) {
+    return Money::fromVariant(store.scalar(
+        QStringLiteral("SELECT t_tarif FROM strtarifsaison WHERE t_article = ? AND t_saison = ? "
+                       "ORDER BY CASE WHEN t_nature = ? THEN 0 ELSE 1 END, t_nature LIMIT 1"),
+        {article, season.trimmed(), nature.trimmed()}));
+}
+
+InvoiceParty leagueInvoiceParty(const Store& store, const QString& code, const QString& rowName) {
+    const auto r =
+        store.selectOne(QStringLiteral("SELECT * FROM strregion WHERE re_code = ?"), {code});
+    if (!r) throw Refusal(QStringLiteral("%1 : la ligue %2 n'existe pas.").arg(rowName, code));
+    InvoiceParty p;
+    p.account = code;
+    const bool csr = text(*r, "re_fact").compare(QStringLiteral("CSR"), Qt::CaseInsensitive) == 0;
+    p.name = text(*r, "re_lib");
+    p.president = csr ? joined(text(*r, "re_csr_int"), text(*r, "re_csr_nom"))
+                      : joined(text(*r, "re_president_int"), text(*r, "re_president"));
+    p.address1 = text(*r, "re_ad1");
+    p.address2 = text(*r, "re_ad2");
+    p.address3 = text(*r, "re_ad3");
+    p.address4 = text(*r, "re_ad4");
+    p.postcodeTown = joined(text(*r, "re_cp"), text(*r, "re_ville"));
+    p.mail1 = text(*r, "re_mail1");
+    p.mail2 = text(*r, "re_mail2");
+    return p;
+}
+
+InvoiceParty committeeInvoiceParty(const Store& store, const QString& code,
+                                   const QString& rowName) {
+    const QString number = code.mid(2);
+    const auto r =
+        store.selectOne(QStringLiteral("SELECT * FROM strdept WHERE de_no = ?"), {number});
+    if (!r)
+        throw Refusal(
+            QStringLiteral("%1 : le comité départemental %2 n'existe pas.").arg(rowName, number));
+    InvoiceParty p;
+    p.account = code;
+    p.name = text(*r, "de_lib");
+    p.president = text(*r, "de_president");
+    p.address1 = text(*r, "de_ad1");
+    p.address2 = text(*r, "de_ad2");
+    p.address3 = text(*r, "de_ad3");
+    p.address4 = text(*r, "de_ad4");
+    p.postcodeTown = joined(text(*r, "de_cp"), text(*r, "de_ville"));
+    p.mail1 = text(*r, "de_mail1");
+    p.mail2 = text(*r, "de_mail2");
+    return p;
+}
+
+InvoiceParty clubInvoiceParty(const Store& store, const QString& code, const QString& rowName) {
+    const auto r =
+        store.selectOne(QStringLiteral("SELECT * FROM strclub WHERE club_code = ?"), {code});
+    if (!r) throw Refusal(QStringLiteral("%1 : le club %2 n'existe pas.").arg(rowName, code));
+    InvoiceParty p;
+    p.account = code;
+    p.name = text(*r, "club_nom");
+    p.president = text(*r, "club_president");
+    p.address1 = text(*r, "club_ad1");
+    p.address2 = text(*r, "club_ad2");
+    p.address3 = text(*r, "club_ad3");
+    p.address4 = text(*r, "club_ad4");
+    p.postcodeTown = joined(text(*r, "club_cp"), text(*r, "club_ville"));
+    p.mail1 = text(*r, "club_mail1");
+    p.mail2 = text(*r, "club_mail2");
+    return p;
+}
+
+InvoiceParty centreInvoiceParty(const Store& store, const QString& account,
+                                const QString& rowName) {
+    const auto r = store.selectOne(
+        QStringLiteral("SELECT * FROM strbowling WHERE b_compte_tiers = ?"), {account});
+    if (!r)
+        throw Refusal(
+            QStringLiteral("%1 : le centre de bowling %2 n'existe pas.").arg(rowName, account));
+    InvoiceParty p;
+    p.account = text(*r, "b_compte_tiers");
+    p.name = text(*r, "b_fac_nom");
+    p.address1 = text(*r, "b_fac_ad1");
+    p.address2 = text(*r, "b_fac_ad2");
+    p.address3 = text(*r, "b_fac_ad3");
+    p.address4 = text(*r, "b_fac_ad4");
+    p.postcodeTown = joined(text(*r, "b_fac_cp"), text(*r, "b_fac_ville"));
+    // A centre whose invoicing address was never filled in is invoiced at
+    // its own, rather than on an invoice with no address at all.
+    if (p.name.isEmpty() && p.address1.isEmpty() && p.postcodeTown.isEmpty()) {
+        p.name = text(*r, "b_nom");
+        p.address1 = text(*r, "b_ad1");
+        p.address2 = text(*r, "b_ad2");
+        p.address3 = text(*r, "b_ad3");
+        p.postcodeTown = joined(text(*r, "b_cp"), text(*r, "b_ville"));
+    }
+    p.mail1 = text(*r, "b_mail1");
+    p.mail2 = text(*r, "b_mail2");
+    return p;
+}
+
+InvoicingOutcome writeRowInvoices(Store& store, const invoicing::DocumentSettings& settings,
+                                  const std::vector<PreparedInvoice>& invoices, const QDate& today,
+                                  const QDate& due, const InvoicingProgress& progress) {
+    const auto adopted = adoptedInvoices(store, invoices);
+    InvoicingOutcome outcome;
+    const int total = static_cast<int>(invoices.size());
+    // Records are written here, each invoice in one transaction and its row
+    // in the next, while the workers draw the documents of those already
+    // written.
+    invoicing::DocumentRun run(store, settings);
+    for (const PreparedInvoice& inv : invoices) {
+        if (progress && !progress(run.marked(), total)) {
+            outcome.cancelled = true;
+            break;
+        }
+        if (const auto it = adopted.constFind(inv.rowIndex); it != adopted.cend()) {
+            markRowWritten(store, inv.rowIndex, it->first, it->second);
+            outcome.numbers.push_back(it->first);
+            run.add(it->first);
+            continue;
+        }
+        const QString number = writeInvoice(store, inv, today, due);
+        if (number.isEmpty()) continue;
+        markRowWritten(store, inv.rowIndex, number, format::displayDate(today));
+        outcome.numbers.push_back(number);
+        run.add(documentOf(number, inv, today, due));
+    }
+    outcome.files = run.finish([&](int done, int) {
+        if (progress) progress(done, total);
+        return true;
+    });
+    return outcome;
+}
+
+}  // namespace orve::competitions
