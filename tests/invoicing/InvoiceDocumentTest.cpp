@@ -227,7 +227,8 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     EXPECT_NEAR(pdf.find("Net")->x0, 7500, 5);
     EXPECT_TRUE(pdf.find("800,00"));
     const QString text = pdf.all();
-    EXPECT_TRUE(text.contains("TVA NON APPLICABLE"));
+    // The demo installation's own legal mention.
+    EXPECT_TRUE(text.contains("TVA non applicable, art. 293 B du CGI"));
     EXPECT_TRUE(text.contains("Mode de règlement : à réception"));
     EXPECT_TRUE(text.contains("Date échéance : 11/12/2026"));
     EXPECT_TRUE(text.contains("Les Règlements sont à effectuer à l'ordre de la K.V.A.R.N."));
@@ -549,6 +550,11 @@ TEST(InvoiceDocument, LongTitlesNamesAndAddressesWrapAndNothingIsCut) {
 TEST(InvoiceDocument, LegalMentionsAndPaymentNoticesAreTheInstallations) {
     Fixture f;
     // Nothing set: the texts printed so far, no late-payment mention.
+    {
+        QSettings ini(f.session->settingsPath(), QSettings::IniFormat);
+        ini.remove("mentions");
+    }
+    f.settings = documentSettings(*f.session);
     {
         PdfText pdf(generateInvoicePdf(f.store(), f.settings, kClubInvoice));
         const QString text = pdf.all();
