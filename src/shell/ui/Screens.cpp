@@ -1,5 +1,6 @@
 #include "shell/ui/Screens.h"
 
+#include "accounting/ui/AccountingScreens.h"
 #include "invoicing/ui/InvoicingScreens.h"
 #include "reference/ui/ReferenceScreens.h"
 
@@ -8,6 +9,7 @@ namespace orve::shell {
 void registerScreens(app::ScreenCatalog& catalog) {
     reference::registerReferenceScreens(catalog);
     invoicing::registerInvoicingScreens(catalog);
+    accounting::registerAccountingScreens(catalog);
 }
 
 }  // namespace orve::shell
