@@ -2,7 +2,7 @@
 # Installs the Debian packages ORVE needs to build, run and test, only those missing.
 set -eu
 packages="build-essential cmake pkg-config
-qt6-base-dev qt6-translations-l10n libqt6sql6-sqlite libqt6sql6-psql qt6-charts-dev postgresql
+qt6-base-dev qt6-translations-l10n libqt6sql6-sqlite libqt6sql6-psql qt6-charts-dev libqt6opengl6-dev postgresql
 libcurl4-openssl-dev libsodium-dev libsqlite3-dev
 libgtest-dev libbenchmark-dev
 poppler-utils python3-aiosmtpd fonts-liberation2 xvfb xauth clang-format"

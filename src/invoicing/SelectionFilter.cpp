@@ -126,10 +126,17 @@ SelectionLists loadSelectionLists(const store::Store& store, const QString& mode
          store.select(QStringLiteral("SELECT t_code FROM strtypec ORDER BY t_code")))
         l.types << r.value(0).toString().trimmed();
     l.natures << kAll;
-    for (const auto& r :
-         store.select(QStringLiteral("SELECT n_code, n_libelle FROM strnaturec WHERE n_type = ? "
-                                     "ORDER BY n_code"),
-                      {natureTypeOfMode(mode)}))
+    // Screens without an invoicing mode (journal, transfer, statistics) report
+    // on every nature.
+    const QString natureType = natureTypeOfMode(mode);
+    const store::Rows natures =
+        natureType.isEmpty()
+            ? store.select(
+                  QStringLiteral("SELECT n_code, n_libelle FROM strnaturec ORDER BY n_code"))
+            : store.select(QStringLiteral("SELECT n_code, n_libelle FROM strnaturec WHERE n_type "
+                                          "= ? ORDER BY n_code"),
+                           {natureType});
+    for (const auto& r : natures)
         l.natures << r.value(0).toString().trimmed() + QStringLiteral(" # ") +
                          r.value(1).toString().trimmed();
     l.leagues << kAll;

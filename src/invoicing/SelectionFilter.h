@@ -78,6 +78,7 @@ struct SelectionLists {
     std::array<QStringList, 5> codes;  // "Tous", " ", p_valeur...
     QString defaultSeason;             // the season in progress
 };
+// A mode without a nature type ("" or a statistics mode) lists every nature.
 SelectionLists loadSelectionLists(const store::Store& store, const QString& mode,
                                   int workingSeason);
 // The departments offered once a league organiser is chosen ("Tous" for all).

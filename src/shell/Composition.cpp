@@ -2,6 +2,7 @@
 
 #include <QDir>
 
+#include "accounting/AccountingBatch.h"
 #include "app/Startup.h"
 #include "competitions/CompetitionBatch.h"
 #include "competitions/NationalBatch.h"
@@ -11,17 +12,24 @@
 #include "invoicing/MailBatch.h"
 #include "shell/DemoData.h"
 #include "tools/ToolsBatch.h"
+#include "shell/ScaleDemo.h"
 
 namespace orve::shell {
 
 namespace {
 
 const QString kInitDemoUsage = QStringLiteral("init-demo DOSSIER [--base postgresql://...]");
+const QString kInitDemoUsage =
+    QStringLiteral("init-demo DIR [--base postgresql://...] [--scale LIGNES]");
 
 int initDemo(app::BatchContext& c) {
     const QString dir = app::requiredArgument(c.positional(), 0, kInitDemoUsage);
+    // With --scale, years of invoicing on top, to measure the reports on.
+    const QString scale = c.option(QStringLiteral("--scale"));
+    const qint64 lines = scale.isEmpty() ? 0 : scaleLines(scale);
     createDemoInstallation(dir, c.clock().today(), c.option(QStringLiteral("--base")));
     c.out() << "installation de démonstration créée dans " << QDir(dir).absolutePath() << "\n";
+    if (lines > 0) c.out() << describe(addScaleHistory(dir, c.clock().today(), lines)) << "\n";
     for (const auto& u : demoUsers())
         c.out() << "utilisateur " << u.login << " (" << u.role << ", ligue " << u.league
                 << ") mot de passe : " << u.password << "\n";
@@ -47,6 +55,7 @@ void registerBatchCommands(app::BatchRegistry& registry) {
     competitions::registerCompetitionBatchCommands(registry);
     imports::registerImportBatchCommands(registry);
     competitions::registerNationalBatchCommands(registry);
+    accounting::registerAccountingBatchCommands(registry);
 }
 
 }  // namespace orve::shell

@@ -46,6 +46,14 @@ QString amountEuro(Money m) { return decimals(m, true) + QStringLiteral(" €");
 QString amountEuroPlain(Money m) { return decimals(m, false) + QStringLiteral(" €"); }
 QString fileAmount(Money m) { return decimals(m, false); }
 
+QString zeroPaddedAmount(Money m, int integerDigits, QChar separator) {
+    const qint64 c = m.cents() < 0 ? -m.cents() : m.cents();
+    return QStringLiteral("%1%2%3")
+        .arg(c / 100, integerDigits, 10, QChar('0'))
+        .arg(separator)
+        .arg(c % 100, 2, 10, QChar('0'));
+}
+
 QString count(qint64 n) {
     return (n < 0 ? QStringLiteral("-") : QString()) + grouped(n < 0 ? -n : n);
 }

@@ -36,6 +36,9 @@ QString count(qint64 n);
 QString countPlain(qint64 n);
 // Decimal comma, no grouping, no currency: amounts written to exchange files.
 QString fileAmount(Money m);
+// The absolute value with at least `integerDigits` digits before the
+// separator, zero-padded: "00012.50" for 12,50 with 5 digits and '.'.
+QString zeroPaddedAmount(Money m, int integerDigits, QChar separator);
 
 // The numeric value of the leading digits of a text (blanks skipped, a sign
 // allowed): "41a" is 41, "abc" is 0.

@@ -44,10 +44,12 @@ TEST(Store, CreatesFiveFilesWithTheirTablesAndJoinsThem) {
     EXPECT_EQ(s->scalar("SELECT count(*) FROM tiers.sqlite_master WHERE name='strclub'").toInt(),
               1);
     // Reopening an upgraded folder keeps the data and the version.
+    const int version = s->scalar("PRAGMA facture.user_version").toInt();
+    EXPECT_GE(version, 2);
     s.reset();
     s = freshStore(dir);
     EXPECT_EQ(s->scalar("SELECT count(*) FROM strentete").toInt(), 1);
-    EXPECT_EQ(s->scalar("PRAGMA facture.user_version").toInt(), 10);
+    EXPECT_EQ(s->scalar("PRAGMA facture.user_version").toInt(), version);
 }
 
 TEST(Store, CodesCompareWithoutCaseAndCountsAsNumbers) {

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QRegularExpression>
 
 #include "app/ui/ScreenSupport.h"
 
@@ -45,8 +46,16 @@ SelectionPanel::SelectionPanel(app::Dialogs& dialogs, QWidget* parent)
         return e;
     };
     m_name = line(QStringLiteral("txtnom_organisateur"));
-    m_month = line(QStringLiteral("mskmois"));
+    m_month = new QLineEdit(this);
+    m_month->setObjectName(QStringLiteral("mskmois"));
     m_month->setInputMask(QStringLiteral("99/9999;_"));
+    // A year typed with two digits is one of this century: 03/19 reads 03/2019.
+    connect(m_month, &QLineEdit::editingFinished, this, [this] {
+        static const QRegularExpression twoDigits(QStringLiteral("^(\\d{2})/(\\d{2})_*$"));
+        const auto m = twoDigits.match(m_month->text().trimmed());
+        if (m.hasMatch()) m_month->setText(m.captured(1) + QStringLiteral("/20") + m.captured(2));
+        changed();
+    });
     m_invoice = line(QStringLiteral("txtnofac"));
     m_competition = line(QStringLiteral("txtcnum"));
     m_competition->setText(kNoCompetition);

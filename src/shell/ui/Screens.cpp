@@ -2,6 +2,7 @@
 
 #include "competitions/ui/CompetitionScreens.h"
 #include "imports/ui/ImportScreens.h"
+#include "accounting/ui/AccountingScreens.h"
 #include "invoicing/ui/InvoicingScreens.h"
 #include "reference/ui/ReferenceScreens.h"
 #include "tools/ui/ToolScreens.h"
@@ -16,6 +17,7 @@ void registerScreens(app::ScreenCatalog& catalog) {
     tools::registerMailToolScreens(catalog);
     competitions::registerCompetitionScreens(catalog);
     imports::registerImportScreens(catalog);
+    accounting::registerAccountingScreens(catalog);
 }
 
 }  // namespace orve::shell
