@@ -18,9 +18,8 @@ namespace orve::shell {
 
 namespace {
 
-const QString kInitDemoUsage = QStringLiteral("init-demo DOSSIER [--base postgresql://...]");
 const QString kInitDemoUsage =
-    QStringLiteral("init-demo DIR [--base postgresql://...] [--scale LIGNES]");
+    QStringLiteral("init-demo DOSSIER [--base postgresql://...] [--scale LIGNES]");
 
 int initDemo(app::BatchContext& c) {
     const QString dir = app::requiredArgument(c.positional(), 0, kInitDemoUsage);
