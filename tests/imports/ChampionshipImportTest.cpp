@@ -19,7 +19,8 @@ QStringList championshipRows(const store::Store& s) {
     QStringList out;
     for (const auto& r : s.select("SELECT c_index, c_nature, c_codification, c_nom_organisateur, "
                                   "c_cod3, c_cod4, c_cod5 FROM strcompetition WHERE c_nature IN "
-                                  "('CDCND', 'CDCNH') ORDER BY c_index")) {
+                                  "('CDCND', 'CDCNH') AND c_index LIKE '_FD%' "
+                                  "ORDER BY c_index")) {
         QStringList cols;
         for (int i = 0; i < r.count(); ++i) cols << r.value(i).toString();
         out << cols.join('|');

@@ -25,6 +25,8 @@ std::vector<std::pair<QString, QString>> windowsToOpen(const app::ScreenCatalog&
     std::vector<std::pair<QString, QString>> out;
     std::set<QString> reached;
     for (const app::MenuEntry& e : app::menuTree()) {
+        // An entry named as its target is a tool that runs and shows messages, not a window.
+        if (e.screen == e.name) reached.insert(e.screen);
         if (e.screen.isEmpty() || e.screen == e.name || !catalog.has(e.screen)) continue;
         if (std::find(out.begin(), out.end(), std::make_pair(e.screen, e.mode)) == out.end())
             out.emplace_back(e.screen, e.mode);
@@ -102,7 +104,9 @@ TEST(Windows, EveryWindowOpensInsideALaptopScreenWithItsButtonsInView) {
         const QRect frame = window->frameGeometry();
         EXPECT_TRUE(area.contains(frame)) << "frame " << describe(frame).toStdString()
                                           << " outside " << describe(area).toStdString();
-        EXPECT_TRUE(window->geometry().height() > 200 && window->geometry().width() > 300);
+        // Not squeezed below what its controls need.
+        EXPECT_GE(window->width(), window->minimumSizeHint().width());
+        EXPECT_GE(window->height(), window->minimumSizeHint().height());
         EXPECT_EQ(buttonsOutOfReach(window), QString());
         window->close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
