@@ -21,7 +21,8 @@ QString Session::settingsPath() const { return QDir(m_programFolder).filePath("o
 int Session::workingSeason() const {
     const QSettings ini(settingsPath(), QSettings::IniFormat);
     bool ok = false;
-    const int configured = ini.value(QStringLiteral("saison/courante")).toString().trimmed().toInt(&ok);
+    const int configured =
+        ini.value(QStringLiteral("saison/courante")).toString().trimmed().toInt(&ok);
     if (ok && configured >= store::kFirstSeason && configured < 10000) return configured;
     return store::seasonOf(today());
 }

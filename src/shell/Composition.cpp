@@ -11,8 +11,8 @@
 #include "invoicing/InvoicingBatch.h"
 #include "invoicing/MailBatch.h"
 #include "shell/DemoData.h"
-#include "tools/ToolsBatch.h"
 #include "shell/ScaleDemo.h"
+#include "tools/ToolsBatch.h"
 
 namespace orve::shell {
 

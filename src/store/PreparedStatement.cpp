@@ -82,11 +82,12 @@ int PreparedStatement::execNative(const Params& params) {
     // Every "?" takes a value at each run, so no value of an earlier run
     // (whose text is gone) can be read again.
     if (static_cast<int>(params.size()) != m_parameters)
-        m_store.fail(m_sql, QSqlError(QStringLiteral("Unable to execute statement"),
-                                      QStringLiteral("%1 values for %2 parameters")
-                                          .arg(params.size())
-                                          .arg(m_parameters),
-                                      QSqlError::StatementError));
+        m_store.fail(
+            m_sql,
+            QSqlError(
+                QStringLiteral("Unable to execute statement"),
+                QStringLiteral("%1 values for %2 parameters").arg(params.size()).arg(m_parameters),
+                QSqlError::StatementError));
     // Room for every text in UTF-8 (three bytes at most per UTF-16 unit),
     // so that the buffer does not move while values point into it.
     qsizetype room = 0;

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
 #include "app/Session.h"
+#include "invoicing/MailTexts.h"
 #include "store/Refusal.h"
 #include "support/DemoInvoices.h"
 #include "support/TestInstall.h"
 #include "tools/DispatchTicks.h"
-#include "invoicing/MailTexts.h"
 
 using namespace orve;
 using namespace orve::tools;

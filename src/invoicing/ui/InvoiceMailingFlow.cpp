@@ -8,10 +8,10 @@
 #include "invoicing/InvoiceMailing.h"
 #include "invoicing/MailOutbox.h"
 #include "invoicing/MailSettings.h"
+#include "invoicing/MailTexts.h"
 #include "invoicing/SmtpSender.h"
 #include "invoicing/ui/InvoiceListView.h"
 #include "invoicing/ui/InvoiceMailPanel.h"
-#include "invoicing/MailTexts.h"
 
 namespace orve::invoicing {
 

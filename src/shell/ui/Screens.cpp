@@ -1,12 +1,12 @@
 #include "shell/ui/Screens.h"
 
+#include "accounting/ui/AccountingScreens.h"
 #include "competitions/ui/CompetitionScreens.h"
 #include "imports/ui/ImportScreens.h"
-#include "accounting/ui/AccountingScreens.h"
 #include "invoicing/ui/InvoicingScreens.h"
 #include "reference/ui/ReferenceScreens.h"
-#include "tools/ui/ToolScreens.h"
 #include "tools/ui/MailToolScreens.h"
+#include "tools/ui/ToolScreens.h"
 
 namespace orve::shell {
 

@@ -55,7 +55,8 @@ ORVE_out_mail::ORVE_out_mail(app::Session& session, app::Dialogs& dialogs, QWidg
     connect(add, &QPushButton::clicked, this, &ORVE_out_mail::newText);
     connect(save, &QPushButton::clicked, this, &ORVE_out_mail::saveText);
 
-    app::guarded(m_dialogs, [&] { m_grid->setQuery(m_session.store(), invoicing::mailTextsQuery()); });
+    app::guarded(m_dialogs,
+                 [&] { m_grid->setQuery(m_session.store(), invoicing::mailTextsQuery()); });
     resize(900, 520);
 }
 
@@ -63,8 +64,8 @@ void ORVE_out_mail::showText(int row) {
     if (row < 0 || row >= m_grid->rowCount()) return;
     app::guarded(m_dialogs, [&] {
         // Read again: another workstation may have changed it since the list.
-        const auto text = invoicing::findMailText(m_session.store(),
-                                       m_grid->value(row, QStringLiteral("mail_nom")).toString());
+        const auto text = invoicing::findMailText(
+            m_session.store(), m_grid->value(row, QStringLiteral("mail_nom")).toString());
         m_name->setText(text ? text->name : QString());
         m_body->setPlainText(text ? text->body : QString());
     });
