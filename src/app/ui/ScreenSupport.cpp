@@ -13,6 +13,8 @@
 #include <QStatusBar>
 #include <QTimer>
 
+#include "store/Seasons.h"
+
 namespace orve::app {
 
 namespace {
@@ -293,6 +295,14 @@ void showItem(QComboBox* combo, const QString& code) {
         }
     }
     combo->setCurrentIndex(0);
+}
+
+QComboBox* newSeasonChooser(int workingSeason, QWidget* parent) {
+    auto* combo = new QComboBox(parent);
+    combo->setObjectName(QStringLiteral("cbo_saison"));
+    combo->addItems(store::seasonChoices(workingSeason));
+    combo->setCurrentText(QString::number(workingSeason));
+    return combo;
 }
 
 }  // namespace orve::app

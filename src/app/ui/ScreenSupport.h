@@ -82,6 +82,10 @@ void askBeforeClosing(QWidget* window, Dialogs& dialogs);
 
 // Fills a drop-down list with "Choisir" and "code # label" items.
 void fillItems(QComboBox* combo, const ListItems& items);
+
+// The season chooser `cbo_saison`: from the first season to the one after the
+// working season, preset to the working season.
+QComboBox* newSeasonChooser(int workingSeason, QWidget* parent);
 // Shows the item of a code, or "Choisir" when the list has none.
 void showItem(QComboBox* combo, const QString& code);
 

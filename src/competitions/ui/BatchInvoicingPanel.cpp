@@ -70,8 +70,7 @@ BatchInvoicingPanel::BatchInvoicingPanel(app::Session& session, app::Dialogs& di
     layout->setSpacing(4);
 
     auto* top = new QHBoxLayout;
-    m_seasons = new QComboBox(this);
-    m_seasons->setObjectName(QStringLiteral("cbo_saison"));
+    m_seasons = app::newSeasonChooser(m_session.workingSeason(), this);
     auto* caption = new QLabel(QStringLiteral("Les Compétitions à Facturer"), this);
     QFont bold = caption->font();
     bold.setBold(true);
@@ -141,9 +140,6 @@ BatchInvoicingPanel::BatchInvoicingPanel(app::Session& session, app::Dialogs& di
     connect(invoice, &QPushButton::clicked, this, &BatchInvoicingPanel::invoice);
     connect(invoiceImage, &QToolButton::clicked, this, &BatchInvoicingPanel::invoice);
 
-    const int working = m_session.workingSeason();
-    m_seasons->addItems(store::seasonChoices(working));
-    m_seasons->setCurrentText(QString::number(working));
     // Rows calculated or written but never printed do not outlive a use of
     // the window.
     app::guarded(m_dialogs, [&] { resetUnfinishedRows(m_session.store()); });

@@ -53,8 +53,7 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
     layout->setSpacing(4);
 
     auto* top = new QHBoxLayout;
-    m_seasons = new QComboBox(this);
-    m_seasons->setObjectName(QStringLiteral("cbo_saison"));
+    m_seasons = app::newSeasonChooser(m_session.workingSeason(), this);
     auto* caption = new QLabel(QStringLiteral("Les Compétitions à Facturer"), this);
     QFont bold = caption->font();
     bold.setBold(true);
@@ -156,9 +155,6 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
     connect(m_entryPrice, &PriceFrame::confirmed, this, &ORVE_ges_competition::entryPriceConfirmed);
     connect(m_linePrice, &PriceFrame::confirmed, this, &ORVE_ges_competition::linePriceConfirmed);
 
-    const int working = m_session.workingSeason();
-    m_seasons->addItems(store::seasonChoices(working));
-    m_seasons->setCurrentText(QString::number(working));
     app::guarded(m_dialogs, [&] {
         // Rows calculated or written but never printed do not outlive a use
         // of the window.

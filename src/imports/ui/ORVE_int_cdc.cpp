@@ -23,11 +23,8 @@ ORVE_int_cdc::ORVE_int_cdc(app::Session& session, app::Dialogs& dialogs, QWidget
                              QStringLiteral("Fichiers CSV (*.csv);;Tous les fichiers (*)"), this);
 
     auto* settings = new QHBoxLayout;
-    m_season = new QComboBox(m_choice);
-    m_season->setObjectName(QStringLiteral("cbo_saison"));
     const int working = session.workingSeason();
-    m_season->addItems(store::seasonChoices(working));
-    m_season->setCurrentText(QString::number(working));
+    m_season = app::newSeasonChooser(working, m_choice);
     m_finalDate = new QLineEdit(defaultFinalDate(working), m_choice);
     m_finalDate->setObjectName(QStringLiteral("Mskdate"));
     m_finalDate->setInputMask(QStringLiteral("99/99/9999;_"));
