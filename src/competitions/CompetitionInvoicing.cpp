@@ -9,6 +9,8 @@
 
 namespace orve::competitions {
 
+using store::trimmedText;
+
 using invoicing::InvoiceLine;
 using invoicing::InvoiceParty;
 using store::Store;
@@ -23,10 +25,6 @@ constexpr Money kQualifiedFinal = Money::fromCents(330);
 
 // Operators whose invoices are due the day they are made.
 const QStringList kDueAtOnce{QStringLiteral("BFC"), QStringLiteral("PDL")};
-
-QString text(const store::Row& r, const char* column) {
-    return r.value(QLatin1String(column)).toString().trimmed();
-}
 
 bool isNature(const QString& nature, const QString& code) {
     return nature.trimmed().compare(code, Qt::CaseInsensitive) == 0;
@@ -158,8 +156,8 @@ InvoicingOutcome invoiceCompetition(Store& store, const reference::Viewer& viewe
     std::vector<PreparedInvoice> invoices;
     QHash<QString, InvoiceParty> parties;
     for (const auto& r : store.select(rowsToInvoiceQuery(c.index))) {
-        const QString rowName = text(r, "c_nom_organisateur");
-        const QString kind = text(r, "c_organisateur");
+        const QString rowName = trimmedText(r, "c_nom_organisateur");
+        const QString kind = trimmedText(r, "c_organisateur");
         const QString code = partyCode(rowName);
         const QString partyKey = kind.toUpper() + QChar('|') + code.toUpper();
         auto found = parties.constFind(partyKey);
@@ -169,17 +167,17 @@ InvoicingOutcome invoiceCompetition(Store& store, const reference::Viewer& viewe
                                     r.value("c_nb_equipe_eliminatoire").toLongLong(),
                                     r.value("c_nb_equipe_finale").toLongLong(),
                                     c.eliminatoryLines.toLongLong(), c.finalLines.toLongLong()};
-        PreparedInvoice inv{text(r, "c_index"),
+        PreparedInvoice inv{trimmedText(r, "c_index"),
                             r.value("c_intitule").toString(),
                             r.value("c_codification").toString(),
                             c.nature,
                             *found,
                             competitionInvoiceLines(counts, c.nature, players, c.billEntry,
                                                     c.billLines, national, c.title, prices),
-                            text(r, "c_date_finale"),
-                            text(r, "c_saison"),
-                            text(r, "c_cod1"),
-                            text(r, "c_cod2")};
+                            trimmedText(r, "c_date_finale"),
+                            trimmedText(r, "c_saison"),
+                            trimmedText(r, "c_cod1"),
+                            trimmedText(r, "c_cod2")};
         if (inv.lines.empty()) continue;  // nothing owed: no invoice without lines
         if (inv.codification.isEmpty()) inv.codification = QStringLiteral(" ");
         invoices.push_back(std::move(inv));

@@ -8,15 +8,13 @@
 
 namespace orve::competitions {
 
+using store::trimmedText;
+
 using invoicing::InvoiceLine;
 using invoicing::InvoiceParty;
 using store::Store;
 
 namespace {
-
-QString text(const store::Row& r, const char* column) {
-    return r.value(QLatin1String(column)).toString().trimmed();
-}
 
 bool isMen(const QString& nature) {
     return nature.trimmed().compare(kMenChampionship, Qt::CaseInsensitive) == 0;
@@ -46,14 +44,14 @@ store::Query calculatedBatchRowsQuery(BatchKind kind, const QString& season) {
 
 BatchRow batchRowOf(const store::Row& r) {
     BatchRow row;
-    row.index = text(r, "c_index");
-    row.season = text(r, "c_saison");
-    row.codification = text(r, "c_codification");
-    row.nature = text(r, "c_nature");
-    row.sortDate = text(r, "c_tri_finale");
-    row.n1 = format::leadingNumber(text(r, "c_cod3"));
-    row.n2 = format::leadingNumber(text(r, "c_cod4"));
-    row.n3 = format::leadingNumber(text(r, "c_cod5"));
+    row.index = trimmedText(r, "c_index");
+    row.season = trimmedText(r, "c_saison");
+    row.codification = trimmedText(r, "c_codification");
+    row.nature = trimmedText(r, "c_nature");
+    row.sortDate = trimmedText(r, "c_tri_finale");
+    row.n1 = format::leadingNumber(trimmedText(r, "c_cod3"));
+    row.n2 = format::leadingNumber(trimmedText(r, "c_cod4"));
+    row.n3 = format::leadingNumber(trimmedText(r, "c_cod5"));
     row.fixedPart = Money::fromVariant(r.value(QStringLiteral("c_nb_equipe_eliminatoire")));
     row.players = r.value(QStringLiteral("c_nb_equipe_finale")).toLongLong();
     return row;
@@ -179,10 +177,10 @@ InvoicingOutcome invoiceBatch(Store& store, const invoicing::DocumentSettings& s
             inv.title = title;
             inv.lines = privateLines(row, prices.player);
         }
-        inv.competitionDate = text(r, "c_date_finale");
+        inv.competitionDate = trimmedText(r, "c_date_finale");
         inv.season = row.season;
-        inv.code1 = text(r, "c_cod1");
-        inv.code2 = text(r, "c_cod2");
+        inv.code1 = trimmedText(r, "c_cod1");
+        inv.code2 = trimmedText(r, "c_cod2");
         if (inv.lines.empty()) continue;  // nothing owed: no invoice without lines
         invoices.push_back(std::move(inv));
     }

@@ -9,15 +9,13 @@
 
 namespace orve::competitions {
 
+using store::trimmedText;
+
 using invoicing::InvoiceLine;
 using invoicing::InvoiceParty;
 using store::Store;
 
 namespace {
-
-QString text(const store::Row& r, const char* column) {
-    return r.value(QLatin1String(column)).toString().trimmed();
-}
 
 QString joined(const QString& a, const QString& b) {
     if (a.isEmpty()) return b;
@@ -180,11 +178,11 @@ QHash<QString, std::pair<QString, QString>> adoptedInvoices(
     QHash<QString, const PreparedInvoice*> byRow;
     for (const auto& inv : invoices) byRow.insert(inv.rowIndex.toUpper(), &inv);
     for (const auto& o : orphans) {
-        const PreparedInvoice* inv = byRow.value(text(o, "ent_c_index").toUpper());
+        const PreparedInvoice* inv = byRow.value(trimmedText(o, "ent_c_index").toUpper());
         if (!inv || adopted.contains(inv->rowIndex)) continue;
-        if (text(o, "ent_tiers_fact").compare(inv->party.account, Qt::CaseInsensitive) != 0)
+        if (trimmedText(o, "ent_tiers_fact").compare(inv->party.account, Qt::CaseInsensitive) != 0)
             continue;
-        const QString number = text(o, "ent_fact_no");
+        const QString number = trimmedText(o, "ent_fact_no");
         const auto stored = invoicing::readLines(store, number);
         bool same = stored.size() == inv->lines.size();
         for (size_t i = 0; same && i < stored.size(); ++i)
@@ -192,7 +190,7 @@ QHash<QString, std::pair<QString, QString>> adoptedInvoices(
                    stored[i].text == inv->lines[i].text &&
                    stored[i].quantity == inv->lines[i].quantity &&
                    stored[i].unitPrice == inv->lines[i].unitPrice;
-        if (same) adopted.insert(inv->rowIndex, {number, text(o, "ent_fact_date")});
+        if (same) adopted.insert(inv->rowIndex, {number, trimmedText(o, "ent_fact_date")});
     }
     return adopted;
 }
@@ -219,17 +217,19 @@ InvoiceParty leagueInvoiceParty(const Store& store, const QString& code, const Q
     if (!r) throw Refusal(QStringLiteral("%1 : la ligue %2 n'existe pas.").arg(rowName, code));
     InvoiceParty p;
     p.account = code;
-    const bool csr = text(*r, "re_fact").compare(QStringLiteral("CSR"), Qt::CaseInsensitive) == 0;
-    p.name = text(*r, "re_lib");
-    p.president = csr ? joined(text(*r, "re_csr_int"), text(*r, "re_csr_nom"))
-                      : joined(text(*r, "re_president_int"), text(*r, "re_president"));
-    p.address1 = text(*r, "re_ad1");
-    p.address2 = text(*r, "re_ad2");
-    p.address3 = text(*r, "re_ad3");
-    p.address4 = text(*r, "re_ad4");
-    p.postcodeTown = joined(text(*r, "re_cp"), text(*r, "re_ville"));
-    p.mail1 = text(*r, "re_mail1");
-    p.mail2 = text(*r, "re_mail2");
+    const bool csr =
+        trimmedText(*r, "re_fact").compare(QStringLiteral("CSR"), Qt::CaseInsensitive) == 0;
+    p.name = trimmedText(*r, "re_lib");
+    p.president =
+        csr ? joined(trimmedText(*r, "re_csr_int"), trimmedText(*r, "re_csr_nom"))
+            : joined(trimmedText(*r, "re_president_int"), trimmedText(*r, "re_president"));
+    p.address1 = trimmedText(*r, "re_ad1");
+    p.address2 = trimmedText(*r, "re_ad2");
+    p.address3 = trimmedText(*r, "re_ad3");
+    p.address4 = trimmedText(*r, "re_ad4");
+    p.postcodeTown = joined(trimmedText(*r, "re_cp"), trimmedText(*r, "re_ville"));
+    p.mail1 = trimmedText(*r, "re_mail1");
+    p.mail2 = trimmedText(*r, "re_mail2");
     return p;
 }
 
@@ -243,15 +243,15 @@ InvoiceParty committeeInvoiceParty(const Store& store, const QString& code,
             QStringLiteral("%1 : le comité départemental %2 n'existe pas.").arg(rowName, number));
     InvoiceParty p;
     p.account = code;
-    p.name = text(*r, "de_lib");
-    p.president = text(*r, "de_president");
-    p.address1 = text(*r, "de_ad1");
-    p.address2 = text(*r, "de_ad2");
-    p.address3 = text(*r, "de_ad3");
-    p.address4 = text(*r, "de_ad4");
-    p.postcodeTown = joined(text(*r, "de_cp"), text(*r, "de_ville"));
-    p.mail1 = text(*r, "de_mail1");
-    p.mail2 = text(*r, "de_mail2");
+    p.name = trimmedText(*r, "de_lib");
+    p.president = trimmedText(*r, "de_president");
+    p.address1 = trimmedText(*r, "de_ad1");
+    p.address2 = trimmedText(*r, "de_ad2");
+    p.address3 = trimmedText(*r, "de_ad3");
+    p.address4 = trimmedText(*r, "de_ad4");
+    p.postcodeTown = joined(trimmedText(*r, "de_cp"), trimmedText(*r, "de_ville"));
+    p.mail1 = trimmedText(*r, "de_mail1");
+    p.mail2 = trimmedText(*r, "de_mail2");
     return p;
 }
 
@@ -261,15 +261,15 @@ InvoiceParty clubInvoiceParty(const Store& store, const QString& code, const QSt
     if (!r) throw Refusal(QStringLiteral("%1 : le club %2 n'existe pas.").arg(rowName, code));
     InvoiceParty p;
     p.account = code;
-    p.name = text(*r, "club_nom");
-    p.president = text(*r, "club_president");
-    p.address1 = text(*r, "club_ad1");
-    p.address2 = text(*r, "club_ad2");
-    p.address3 = text(*r, "club_ad3");
-    p.address4 = text(*r, "club_ad4");
-    p.postcodeTown = joined(text(*r, "club_cp"), text(*r, "club_ville"));
-    p.mail1 = text(*r, "club_mail1");
-    p.mail2 = text(*r, "club_mail2");
+    p.name = trimmedText(*r, "club_nom");
+    p.president = trimmedText(*r, "club_president");
+    p.address1 = trimmedText(*r, "club_ad1");
+    p.address2 = trimmedText(*r, "club_ad2");
+    p.address3 = trimmedText(*r, "club_ad3");
+    p.address4 = trimmedText(*r, "club_ad4");
+    p.postcodeTown = joined(trimmedText(*r, "club_cp"), trimmedText(*r, "club_ville"));
+    p.mail1 = trimmedText(*r, "club_mail1");
+    p.mail2 = trimmedText(*r, "club_mail2");
     return p;
 }
 
@@ -281,24 +281,24 @@ InvoiceParty centreInvoiceParty(const Store& store, const QString& account,
         throw Refusal(
             QStringLiteral("%1 : le centre de bowling %2 n'existe pas.").arg(rowName, account));
     InvoiceParty p;
-    p.account = text(*r, "b_compte_tiers");
-    p.name = text(*r, "b_fac_nom");
-    p.address1 = text(*r, "b_fac_ad1");
-    p.address2 = text(*r, "b_fac_ad2");
-    p.address3 = text(*r, "b_fac_ad3");
-    p.address4 = text(*r, "b_fac_ad4");
-    p.postcodeTown = joined(text(*r, "b_fac_cp"), text(*r, "b_fac_ville"));
+    p.account = trimmedText(*r, "b_compte_tiers");
+    p.name = trimmedText(*r, "b_fac_nom");
+    p.address1 = trimmedText(*r, "b_fac_ad1");
+    p.address2 = trimmedText(*r, "b_fac_ad2");
+    p.address3 = trimmedText(*r, "b_fac_ad3");
+    p.address4 = trimmedText(*r, "b_fac_ad4");
+    p.postcodeTown = joined(trimmedText(*r, "b_fac_cp"), trimmedText(*r, "b_fac_ville"));
     // A centre whose invoicing address was never filled in is invoiced at
     // its own, rather than on an invoice with no address at all.
     if (p.name.isEmpty() && p.address1.isEmpty() && p.postcodeTown.isEmpty()) {
-        p.name = text(*r, "b_nom");
-        p.address1 = text(*r, "b_ad1");
-        p.address2 = text(*r, "b_ad2");
-        p.address3 = text(*r, "b_ad3");
-        p.postcodeTown = joined(text(*r, "b_cp"), text(*r, "b_ville"));
+        p.name = trimmedText(*r, "b_nom");
+        p.address1 = trimmedText(*r, "b_ad1");
+        p.address2 = trimmedText(*r, "b_ad2");
+        p.address3 = trimmedText(*r, "b_ad3");
+        p.postcodeTown = joined(trimmedText(*r, "b_cp"), trimmedText(*r, "b_ville"));
     }
-    p.mail1 = text(*r, "b_mail1");
-    p.mail2 = text(*r, "b_mail2");
+    p.mail1 = trimmedText(*r, "b_mail1");
+    p.mail2 = trimmedText(*r, "b_mail2");
     return p;
 }
 

@@ -7,11 +7,9 @@
 
 namespace orve::invoicing {
 
-namespace {
+using store::trimmedText;
 
-QString text(const store::Row& r, const char* name) {
-    return r.value(QLatin1String(name)).toString().trimmed();
-}
+namespace {
 
 store::Row row(const store::Store& s, const QString& sql, const QString& key) {
     const auto r = s.selectOne(sql, {key});
@@ -34,19 +32,19 @@ InvoiceParty partyOf(const store::Row& r, const QString& account, const QString&
 
 InvoiceParty club(const store::Store& s, const QString& code) {
     const auto r = row(s, QStringLiteral("SELECT * FROM strclub WHERE club_code = ?"), code);
-    return partyOf(r, code, QStringLiteral("club"), text(r, "club_nom"));
+    return partyOf(r, code, QStringLiteral("club"), trimmedText(r, "club_nom"));
 }
 
 // Committees are invoiced under "CD" followed by their number.
 InvoiceParty committee(const store::Store& s, const QString& no) {
     const auto r = row(s, QStringLiteral("SELECT * FROM strdept WHERE de_no = ?"), no);
     return partyOf(r, QStringLiteral("CD") + no, QStringLiteral("de"),
-                   QStringLiteral("Comité Départemental ") + text(r, "de_lib"));
+                   QStringLiteral("Comité Départemental ") + trimmedText(r, "de_lib"));
 }
 
 InvoiceParty league(const store::Store& s, const QString& code) {
     const auto r = row(s, QStringLiteral("SELECT * FROM strregion WHERE re_code = ?"), code);
-    return partyOf(r, code, QStringLiteral("re"), text(r, "re_lib"));
+    return partyOf(r, code, QStringLiteral("re"), trimmedText(r, "re_lib"));
 }
 
 InvoiceHeader header(const store::Store& s, const QString& index, const QDate& date,
@@ -55,9 +53,9 @@ InvoiceHeader header(const store::Store& s, const QString& index, const QDate& d
     InvoiceHeader h;
     h.dateText = format::displayDate(date);
     h.dueDateText = format::displayDate(date.addDays(30));
-    h.nature = text(c, "c_nature");
+    h.nature = trimmedText(c, "c_nature");
     h.competitionIndex = index;
-    h.competitionTitle = text(c, "c_intitule");
+    h.competitionTitle = trimmedText(c, "c_intitule");
     h.codification = c.value("c_codification").toString();
     h.billed = billed;
     h.client = client;

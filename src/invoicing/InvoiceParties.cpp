@@ -12,6 +12,8 @@
 
 namespace orve::invoicing {
 
+using store::trimmedText;
+
 using app::ListItem;
 using app::ListItems;
 using reference::formatNumber;
@@ -19,10 +21,6 @@ using reference::Viewer;
 using store::Store;
 
 namespace {
-
-QString text(const store::Row& r, const char* column) {
-    return r.value(QLatin1String(column)).toString().trimmed();
-}
 
 // Two parts of one address line; a blank part leaves no stray separator.
 QString joined(const QString& a, const QString& separator, const QString& b) {
@@ -34,7 +32,7 @@ QString joined(const QString& a, const QString& separator, const QString& b) {
 ListItems items(const store::Rows& rows, const char* code, const char* label) {
     ListItems out;
     out.reserve(rows.size());
-    for (const auto& r : rows) out.push_back({text(r, code), text(r, label)});
+    for (const auto& r : rows) out.push_back({trimmedText(r, code), trimmedText(r, label)});
     return out;
 }
 
@@ -56,16 +54,18 @@ QString refusedInvoice(const QString& invoiceNumber, const QString& what) {
 // The committee as itself: its own address, filed under "CD" + its number.
 InvoiceParty committeeItself(const store::Row& r) {
     InvoiceParty p;
-    p.account = QStringLiteral("CD") + text(r, "de_no");
-    p.name = QStringLiteral("C.D. ") + text(r, "de_lib");
-    p.president = joined(text(r, "de_president_int"), QStringLiteral(" "), text(r, "de_president"));
-    p.address1 = text(r, "de_ad1");
-    p.address2 = text(r, "de_ad2");
-    p.address3 = text(r, "de_ad3");
-    p.address4 = text(r, "de_ad4");
-    p.postcodeTown = joined(text(r, "de_cp"), QStringLiteral(" - "), text(r, "de_ville"));
-    p.mail1 = text(r, "de_mail1");
-    p.mail2 = text(r, "de_mail2");
+    p.account = QStringLiteral("CD") + trimmedText(r, "de_no");
+    p.name = QStringLiteral("C.D. ") + trimmedText(r, "de_lib");
+    p.president = joined(trimmedText(r, "de_president_int"), QStringLiteral(" "),
+                         trimmedText(r, "de_president"));
+    p.address1 = trimmedText(r, "de_ad1");
+    p.address2 = trimmedText(r, "de_ad2");
+    p.address3 = trimmedText(r, "de_ad3");
+    p.address4 = trimmedText(r, "de_ad4");
+    p.postcodeTown =
+        joined(trimmedText(r, "de_cp"), QStringLiteral(" - "), trimmedText(r, "de_ville"));
+    p.mail1 = trimmedText(r, "de_mail1");
+    p.mail2 = trimmedText(r, "de_mail2");
     return p;
 }
 
@@ -114,8 +114,9 @@ ListItems licenseeItems(const Store& store, const QString& typed) {
              QStringLiteral("SELECT l_an, l_num, l_nom, l_prenom FROM strlicence WHERE l_nom LIKE "
                             "? ESCAPE '!' ORDER BY l_nom, l_prenom, l_an, l_num"),
              {pattern}))
-        out.push_back({text(r, "l_an") + QChar('-') + text(r, "l_num"),
-                       joined(text(r, "l_nom"), QStringLiteral(" "), text(r, "l_prenom"))});
+        out.push_back(
+            {trimmedText(r, "l_an") + QChar('-') + trimmedText(r, "l_num"),
+             joined(trimmedText(r, "l_nom"), QStringLiteral(" "), trimmedText(r, "l_prenom"))});
     return out;
 }
 
@@ -133,25 +134,26 @@ InvoiceParty leagueParty(const Store& store, const QString& code, AddressBlock b
     const auto r = reference::leagues::find(store, code.trimmed());
     if (!r) throw Refusal(QStringLiteral("La ligue %1 n'existe pas.").arg(code.trimmed()));
     InvoiceParty p;
-    p.account = text(*r, "re_code");
-    p.name = QStringLiteral("L.R. ") + text(*r, "re_lib");
+    p.account = trimmedText(*r, "re_code");
+    p.name = QStringLiteral("L.R. ") + trimmedText(*r, "re_lib");
     // A league that asked to be invoiced at its CSR gets its invoices there
     // (a CSR without a name is no address: the president's line stays).
     const bool csr = block == AddressBlock::Billing &&
-                     reference::leagues::invoicingOf(text(*r, "re_fact")) ==
+                     reference::leagues::invoicingOf(trimmedText(*r, "re_fact")) ==
                          reference::leagues::Invoicing::Csr &&
-                     !text(*r, "re_csr_nom").isEmpty();
-    p.president =
-        csr ? QStringLiteral("C.S.R. ") + text(*r, "re_csr_int") + QStringLiteral(" ") +
-                  text(*r, "re_csr_nom")
-            : joined(text(*r, "re_president_int"), QStringLiteral(" "), text(*r, "re_president"));
-    p.address1 = text(*r, "re_ad1");
-    p.address2 = text(*r, "re_ad2");
-    p.address3 = text(*r, "re_ad3");
-    p.address4 = text(*r, "re_ad4");
-    p.postcodeTown = joined(text(*r, "re_cp"), QStringLiteral(" - "), text(*r, "re_ville"));
-    p.mail1 = text(*r, "re_mail1");
-    p.mail2 = text(*r, "re_mail2");
+                     !trimmedText(*r, "re_csr_nom").isEmpty();
+    p.president = csr ? QStringLiteral("C.S.R. ") + trimmedText(*r, "re_csr_int") +
+                            QStringLiteral(" ") + trimmedText(*r, "re_csr_nom")
+                      : joined(trimmedText(*r, "re_president_int"), QStringLiteral(" "),
+                               trimmedText(*r, "re_president"));
+    p.address1 = trimmedText(*r, "re_ad1");
+    p.address2 = trimmedText(*r, "re_ad2");
+    p.address3 = trimmedText(*r, "re_ad3");
+    p.address4 = trimmedText(*r, "re_ad4");
+    p.postcodeTown =
+        joined(trimmedText(*r, "re_cp"), QStringLiteral(" - "), trimmedText(*r, "re_ville"));
+    p.mail1 = trimmedText(*r, "re_mail1");
+    p.mail2 = trimmedText(*r, "re_mail2");
     return p;
 }
 
@@ -163,7 +165,7 @@ InvoiceParty committeeParty(const Store& store, const QString& number, AddressBl
         throw Refusal(
             refusedInvoice(invoiceNumber, QStringLiteral(" - veuillez créer le dept : ") + no));
     if (block == AddressBlock::OnBehalfOf) return committeeItself(*r);
-    const QString entity = text(*r, "de_facturation").toUpper();
+    const QString entity = trimmedText(*r, "de_facturation").toUpper();
     if (entity.isEmpty())
         throw Refusal(
             refusedInvoice(invoiceNumber, QStringLiteral(" - compléter le dept : ") + no));
@@ -177,7 +179,7 @@ InvoiceParty committeeParty(const Store& store, const QString& number, AddressBl
         return committeeItself(*o);
     }
     // Through its league: the code named, or the committee's own league for a bare "LR".
-    const QString league = entity == QStringLiteral("LR") ? text(*r, "de_region") : entity;
+    const QString league = entity == QStringLiteral("LR") ? trimmedText(*r, "de_region") : entity;
     if (!store.exists(QStringLiteral("SELECT 1 FROM strregion WHERE re_code = ?"), {league}))
         throw Refusal(refusedInvoice(invoiceNumber,
                                      QStringLiteral(" - veuillez créer la region : ") + league));
@@ -188,16 +190,17 @@ InvoiceParty clubParty(const Store& store, const QString& code) {
     const auto r = reference::clubs::find(store, code.trimmed());
     if (!r) throw Refusal(QStringLiteral("Le club %1 n'existe pas.").arg(code.trimmed()));
     InvoiceParty p;
-    p.account = text(*r, "club_code");
-    p.name = text(*r, "club_nom");
-    p.president = text(*r, "club_president");
-    p.address1 = text(*r, "club_ad1");
-    p.address2 = text(*r, "club_ad2");
-    p.address3 = text(*r, "club_ad3");
-    p.address4 = text(*r, "club_ad4");
-    p.postcodeTown = joined(text(*r, "club_cp"), QStringLiteral(" - "), text(*r, "club_ville"));
-    p.mail1 = text(*r, "club_mail1");
-    p.mail2 = text(*r, "club_mail2");
+    p.account = trimmedText(*r, "club_code");
+    p.name = trimmedText(*r, "club_nom");
+    p.president = trimmedText(*r, "club_president");
+    p.address1 = trimmedText(*r, "club_ad1");
+    p.address2 = trimmedText(*r, "club_ad2");
+    p.address3 = trimmedText(*r, "club_ad3");
+    p.address4 = trimmedText(*r, "club_ad4");
+    p.postcodeTown =
+        joined(trimmedText(*r, "club_cp"), QStringLiteral(" - "), trimmedText(*r, "club_ville"));
+    p.mail1 = trimmedText(*r, "club_mail1");
+    p.mail2 = trimmedText(*r, "club_mail2");
     return p;
 }
 
@@ -207,14 +210,15 @@ InvoiceParty centreParty(const Store& store, const QString& account) {
         throw Refusal(
             QStringLiteral("Le centre de bowling %1 n'existe pas.").arg(account.trimmed()));
     InvoiceParty p;
-    p.account = text(*r, "b_compte_tiers");
-    p.name = QStringLiteral("BOWLING de :") + QStringLiteral(" ") + text(*r, "b_ville");
-    p.address1 = text(*r, "b_ad1");
-    p.address2 = text(*r, "b_ad2");
-    p.address3 = text(*r, "b_ad3");
-    p.postcodeTown = joined(text(*r, "b_cp"), QStringLiteral("-"), text(*r, "b_ville"));
-    p.mail1 = text(*r, "b_mail1");
-    p.mail2 = text(*r, "b_mail2");
+    p.account = trimmedText(*r, "b_compte_tiers");
+    p.name = QStringLiteral("BOWLING de :") + QStringLiteral(" ") + trimmedText(*r, "b_ville");
+    p.address1 = trimmedText(*r, "b_ad1");
+    p.address2 = trimmedText(*r, "b_ad2");
+    p.address3 = trimmedText(*r, "b_ad3");
+    p.postcodeTown =
+        joined(trimmedText(*r, "b_cp"), QStringLiteral("-"), trimmedText(*r, "b_ville"));
+    p.mail1 = trimmedText(*r, "b_mail1");
+    p.mail2 = trimmedText(*r, "b_mail2");
     return p;
 }
 
@@ -227,13 +231,14 @@ InvoiceParty licenseeParty(const Store& store, const QString& key) {
                                               {k.left(dash), k.mid(dash + 1)});
     if (!r) throw Refusal(QStringLiteral("Le licencié %1 n'existe pas.").arg(k));
     InvoiceParty p;
-    p.entity = QStringLiteral("LIC") + text(*r, "l_num");
-    p.name = joined(text(*r, "l_nom"), QStringLiteral(" "), text(*r, "l_prenom"));
-    p.address1 = text(*r, "l_ad1");
-    p.address2 = text(*r, "l_ad2");
-    p.address3 = text(*r, "l_ad3");
-    p.postcodeTown = joined(text(*r, "l_cp"), QStringLiteral(" "), text(*r, "l_ville"));
-    p.mail1 = text(*r, "l_mail");
+    p.entity = QStringLiteral("LIC") + trimmedText(*r, "l_num");
+    p.name = joined(trimmedText(*r, "l_nom"), QStringLiteral(" "), trimmedText(*r, "l_prenom"));
+    p.address1 = trimmedText(*r, "l_ad1");
+    p.address2 = trimmedText(*r, "l_ad2");
+    p.address3 = trimmedText(*r, "l_ad3");
+    p.postcodeTown =
+        joined(trimmedText(*r, "l_cp"), QStringLiteral(" "), trimmedText(*r, "l_ville"));
+    p.mail1 = trimmedText(*r, "l_mail");
     return p;
 }
 

@@ -21,6 +21,10 @@ static void initSchemaResources() {
 
 namespace orve::store {
 
+QString trimmedText(const Row& row, const char* column) {
+    return row.value(QLatin1String(column)).toString().trimmed();
+}
+
 namespace {
 
 std::atomic<int> g_connectionCounter{0};

@@ -33,6 +33,10 @@ std::optional<File> fileByShortName(const QString& shortName);  // "jkv", "factu
 using Params = std::vector<QVariant>;
 using Row = QSqlRecord;
 using Rows = std::vector<QSqlRecord>;
+
+// A text column of a row without its padding blanks (codes and names are
+// often stored padded).
+QString trimmedText(const Row& row, const char* column);
 // Column name and value, in the order they are written.
 using Fields = std::vector<std::pair<QString, QVariant>>;
 // Asked once when the server wants a password that no password file holds;

@@ -11,11 +11,9 @@
 
 namespace orve::tools {
 
-namespace {
+using store::trimmedText;
 
-QString text(const store::Row& r, const char* column) {
-    return r.value(QLatin1String(column)).toString().trimmed();
-}
+namespace {
 
 // Codes compare without regard to case.
 QString key(const QString& code) { return code.trimmed().toUpper(); }
@@ -63,10 +61,10 @@ Data load(const store::Store& s) {
              "SELECT ent_fact_no, ent_fact_type, ent_fact_lib, ent_fact_origine, ent_c_index, "
              "ent_tiers_fact, ent_tiers_clt, ent_nature, ent_montant FROM strentete "
              "ORDER BY CAST(ent_fact_no AS INTEGER), ent_fact_no")))
-        d.headers.push_back({text(r, "ent_fact_no"), text(r, "ent_fact_type"),
-                             text(r, "ent_fact_lib"), text(r, "ent_fact_origine"),
-                             text(r, "ent_c_index"), text(r, "ent_tiers_fact"),
-                             text(r, "ent_tiers_clt"), text(r, "ent_nature"),
+        d.headers.push_back({trimmedText(r, "ent_fact_no"), trimmedText(r, "ent_fact_type"),
+                             trimmedText(r, "ent_fact_lib"), trimmedText(r, "ent_fact_origine"),
+                             trimmedText(r, "ent_c_index"), trimmedText(r, "ent_tiers_fact"),
+                             trimmedText(r, "ent_tiers_clt"), trimmedText(r, "ent_nature"),
                              Money::fromVariant(r.value("ent_montant"))});
     for (size_t i = 0; i < d.headers.size(); ++i) {
         const Header& h = d.headers[i];
@@ -90,10 +88,11 @@ Data load(const store::Store& s) {
         QStringLiteral("SELECT c_index, c_num_facture, c_facture, index_reference, c_edt_fact "
                        "FROM strcompetition ORDER BY c_index, rowid"));
     for (const auto& r : d.competitionRows) {
-        const QString index = key(text(r, "c_index"));
+        const QString index = key(trimmedText(r, "c_index"));
         if (!d.competitions.contains(index))
-            d.competitions.insert(index, {text(r, "c_num_facture"), text(r, "c_facture")});
-        const QString master = text(r, "index_reference");
+            d.competitions.insert(index,
+                                  {trimmedText(r, "c_num_facture"), trimmedText(r, "c_facture")});
+        const QString master = trimmedText(r, "index_reference");
         if (!master.isEmpty()) d.masters.insert(key(master));
     }
     d.clubsWithoutCommittee = s.select(
@@ -121,8 +120,8 @@ void checkLines(const Data& d, CheckResult& unknown, CheckResult& other, CheckRe
     QHash<QString, int> stepCount;
     QHash<QString, QString> otherInvoice;
     for (const auto& r : d.lines) {
-        const QString invoice = text(r, "f_num_facture");
-        const QString index = text(r, "f_index_compet");
+        const QString invoice = trimmedText(r, "f_num_facture");
+        const QString index = trimmedText(r, "f_index_compet");
         const QString pair = invoice + QChar('\n') + index;
         const auto found = d.byNumber.constFind(number(invoice));
         const Header* header = found == d.byNumber.constEnd() ? nullptr : &d.headers[*found];
@@ -139,9 +138,9 @@ void checkLines(const Data& d, CheckResult& unknown, CheckResult& other, CheckRe
             ++otherCount[pair];
             otherInvoice[pair] = c->invoice;
         }
-        if (header && (key(text(r, "f_tiers_fact")) != key(header->billed) ||
-                       key(text(r, "f_tiers_clt")) != key(header->client) ||
-                       key(text(r, "f_nature")) != key(header->nature))) {
+        if (header && (key(trimmedText(r, "f_tiers_fact")) != key(header->billed) ||
+                       key(trimmedText(r, "f_tiers_clt")) != key(header->client) ||
+                       key(trimmedText(r, "f_nature")) != key(header->nature))) {
             if (!stepCount.contains(invoice)) stepOrder.push_back(invoice);
             ++stepCount[invoice];
         }
@@ -204,10 +203,10 @@ void checkHeaders(const Data& d, CheckResult& duplicates, CheckResult& withoutLi
 void checkCompetitions(const Data& d, CheckResult& invoiced, CheckResult& orphans,
                        CheckResult& withoutDocument) {
     for (const auto& r : d.competitionRows) {
-        const QString index = text(r, "c_index");
-        const QString state = text(r, "c_facture");
-        const QString invoice = text(r, "c_num_facture");
-        const QString reference = text(r, "index_reference");
+        const QString index = trimmedText(r, "c_index");
+        const QString state = trimmedText(r, "c_facture");
+        const QString invoice = trimmedText(r, "c_num_facture");
+        const QString reference = trimmedText(r, "index_reference");
         if (state == QStringLiteral("F")) {
             if (!invoice.isEmpty() && !d.byNumber.contains(number(invoice)))
                 invoiced.findings << QStringLiteral("compétition %1 : facture %2 introuvable")
@@ -217,7 +216,7 @@ void checkCompetitions(const Data& d, CheckResult& invoiced, CheckResult& orphan
                      !(isMasterIndex(reference) && d.masters.contains(key(index))))
                 invoiced.findings
                     << QStringLiteral("compétition %1 : aucun N° de facture").arg(index);
-            if (text(r, "c_edt_fact") == QStringLiteral("NON"))
+            if (trimmedText(r, "c_edt_fact") == QStringLiteral("NON"))
                 withoutDocument.findings
                     << QStringLiteral("compétition %1 : facture %2").arg(index, invoice);
         }
@@ -279,9 +278,9 @@ DataCheckReport checkData(const store::Store& store) {
                                                             QStringLiteral("lignes")));
     checkCompetitions(d, c[7], c[8], c[11]);
     for (const auto& r : d.clubsWithoutCommittee) {
-        const QString dept = text(r, "club_dept");
+        const QString dept = trimmedText(r, "club_dept");
         c[9].findings << QStringLiteral("club %1 (%2) : département %3")
-                             .arg(text(r, "club_code"), text(r, "club_nom"),
+                             .arg(trimmedText(r, "club_code"), trimmedText(r, "club_nom"),
                                   dept.isEmpty() ? QStringLiteral("(vide)") : dept);
     }
     return report;
