@@ -5,7 +5,7 @@ packages="build-essential cmake pkg-config
 qt6-base-dev qt6-translations-l10n libqt6sql6-sqlite libqt6sql6-psql qt6-charts-dev libqt6opengl6-dev postgresql
 libcurl4-openssl-dev libsodium-dev libsqlite3-dev
 libgtest-dev libbenchmark-dev
-poppler-utils python3-aiosmtpd fonts-liberation2 xvfb xauth clang-format"
+ccache poppler-utils python3-aiosmtpd fonts-liberation2 xvfb xauth clang-format"
 missing=""
 for p in $packages; do
   if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
