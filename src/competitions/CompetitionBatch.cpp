@@ -5,6 +5,7 @@
 #include "competitions/CompetitionCalculation.h"
 #include "competitions/CompetitionInvoicing.h"
 #include "competitions/CompetitionRegister.h"
+#include "competitions/RowInvoicing.h"
 #include "invoicing/DocumentSettings.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
@@ -22,9 +23,27 @@ QString stateText(const QString& state) {
     return s.isEmpty() ? QStringLiteral("-") : s;
 }
 
+}  // namespace
+
+void reportFinished(app::BatchContext& c, const FinishedRows& finished) {
+    if (!finished.empty()) c.out() << finished.report() << "\n";
+}
+
+void printOutcome(app::BatchContext& c, const InvoicingOutcome& outcome) {
+    for (const QString& number : outcome.numbers) c.out() << "facture N° " << number << "\n";
+    for (const QString& path : outcome.files)
+        c.out() << "document écrit : " << QDir::toNativeSeparators(path) << "\n";
+    if (const QString notes = outcomeNotes(outcome); !notes.isEmpty()) c.out() << notes << "\n";
+}
+
+namespace {
+
 int calculate(app::BatchContext& c, const QString& index) {
     app::Session& session = c.session();
     const CompetitionRecord record = loadCompetition(session.store(), index);
+    // As the window does when it opens: what an interrupted run left is
+    // finished, never invoiced again.
+    reportFinished(c, finishInterruptedRows(session.store(), invoicing::documentSettings(session)));
     const int marked = calculateCompetition(session.store(), reference::Viewer::of(session),
                                             record.index, record.nature, false);
     for (const auto& r : session.store().select(rowsToInvoiceQuery(record.index)))
@@ -53,9 +72,7 @@ int invoice(app::BatchContext& c, const QString& index) {
     const InvoicingOutcome outcome = invoiceCompetition(
         session.store(), reference::Viewer::of(session), invoicing::documentSettings(session),
         plan.index, prices, session.today());
-    for (const QString& number : outcome.numbers) c.out() << "facture N° " << number << "\n";
-    for (const QString& path : outcome.files)
-        c.out() << "document écrit : " << QDir::toNativeSeparators(path) << "\n";
+    printOutcome(c, outcome);
     c.out() << outcome.numbers.size() << " facture(s) générée(s) pour la compétition " << plan.index
             << "\n";
     return 0;

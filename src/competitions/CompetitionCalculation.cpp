@@ -1,6 +1,7 @@
 #include "competitions/CompetitionCalculation.h"
 
 #include "competitions/CompetitionRegister.h"
+#include "competitions/InvoicingRuns.h"
 #include "store/Refusal.h"
 
 namespace orve::competitions {
@@ -49,11 +50,13 @@ int calculateCompetition(store::Store& store, const reference::Viewer& viewer, c
                          const QString& nature, bool stillOpen) {
     if (stillOpen) throw Refusal(QStringLiteral("Vous devez d'abord valider cette compétition"));
     const QString key = index.trimmed();
+    // A run under way on these rows keeps them; it is not calculated again
+    // beneath it.
+    requireNoLiveRun(store, RunScope::competition(key));
     store::Transaction tx(store);
-    // Rows calculated or written but never printed go back to " " everywhere,
-    // as when the window opens.
-    store.update(QStringLiteral("strcompetition"), {{"c_facture", kOpenState}},
-                 QStringLiteral("c_facture IN (?, ?)"), {kCalculatedState, kWrittenState});
+    // Rows calculated but not invoiced go back to " " everywhere, as when the
+    // window opens; a row with an invoice ("A") keeps it.
+    releaseCalculatedRows(store);
     const auto rows = store.select(
         QStringLiteral("SELECT c_index, c_fact_ligne, c_fact_engagement, c_nb_equipe, "
                        "c_nb_equipe_eliminatoire, c_nb_equipe_finale FROM strcompetition "

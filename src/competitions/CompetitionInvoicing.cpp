@@ -4,6 +4,7 @@
 
 #include "competitions/CompetitionCalculation.h"
 #include "competitions/CompetitionRegister.h"
+#include "competitions/InvoicingRuns.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 
@@ -30,13 +31,6 @@ bool isNature(const QString& nature, const QString& code) {
     return nature.trimmed().compare(code, Qt::CaseInsensitive) == 0;
 }
 
-// "CL13001 - Bowling Club Phocéen" gives "CL13001".
-QString partyCode(const QString& partyName) {
-    const QString t = partyName.trimmed();
-    const int dash = t.indexOf(QStringLiteral(" - "));
-    return (dash < 0 ? t.section(QChar(' '), 0, 0) : t.left(dash)).trimmed();
-}
-
 // The invoiced party of a row: a league, a committee, a club.
 InvoiceParty partyOf(const Store& store, const QString& kind, const QString& code,
                      const QString& rowName) {
@@ -51,20 +45,6 @@ InvoiceParty partyOf(const Store& store, const QString& kind, const QString& cod
 QString teamsText(qint64 count, int playersPerTeam) {
     return QString::number(count) +
            (playersPerTeam == 1 ? QStringLiteral(" joueurs)") : QStringLiteral(" équipes)"));
-}
-
-// The competition closes once every party row is printed.
-void closeWhenAllInvoiced(Store& store, const QString& index) {
-    store::Transaction tx(store);
-    const bool open =
-        store.exists(QStringLiteral("SELECT 1 FROM strcompetition WHERE index_reference = ? AND "
-                                    "(c_facture IS NULL OR c_facture <> ?)"),
-                     {index, kInvoicedState});
-    if (!open)
-        store.update(QStringLiteral("strcompetition"), {{"c_facture", kInvoicedState}},
-                     QStringLiteral("c_index = ? AND index_reference = ?"),
-                     {index, kMasterReference});
-    tx.commit();
 }
 
 }  // namespace
@@ -151,6 +131,12 @@ InvoicingOutcome invoiceCompetition(Store& store, const reference::Viewer& viewe
     const bool national = viewer.isNational();
     const QDate due = competitionDueDate(today, viewer.league);
 
+    // The rows are this run's until it ends: no other workstation's opening
+    // or calculation sends them back meanwhile. What an interrupted run left
+    // is finished before anything new is written.
+    RunLease lease(store, RunScope::competition(c.index), viewer.login);
+    const FinishedRows finished = finishInterruptedRows(store, settings, lease.token());
+
     // Everything is read and checked first: a missing party refuses the run
     // before any invoice is written.
     std::vector<PreparedInvoice> invoices;
@@ -158,7 +144,7 @@ InvoicingOutcome invoiceCompetition(Store& store, const reference::Viewer& viewe
     for (const auto& r : store.select(rowsToInvoiceQuery(c.index))) {
         const QString rowName = trimmedText(r, "c_nom_organisateur");
         const QString kind = trimmedText(r, "c_organisateur");
-        const QString code = partyCode(rowName);
+        const QString code = partyCodeOf(rowName);
         const QString partyKey = kind.toUpper() + QChar('|') + code.toUpper();
         auto found = parties.constFind(partyKey);
         if (found == parties.cend())
@@ -182,11 +168,13 @@ InvoicingOutcome invoiceCompetition(Store& store, const reference::Viewer& viewe
         if (inv.codification.isEmpty()) inv.codification = QStringLiteral(" ");
         invoices.push_back(std::move(inv));
     }
-    if (invoices.empty()) throw Refusal(QStringLiteral("Aucune facture à émettre."));
-
-    const InvoicingOutcome outcome =
-        writeRowInvoices(store, settings, invoices, today, due, progress);
-    if (!outcome.cancelled) closeWhenAllInvoiced(store, c.index);
+    InvoicingOutcome outcome;
+    if (invoices.empty() && finished.numbers.empty())
+        throw Refusal(QStringLiteral("Aucune facture à émettre."));
+    if (!invoices.empty())
+        outcome = writeRowInvoices(store, settings, invoices, today, due, progress, lease);
+    outcome.finished = finished.numbers;
+    if (!outcome.cancelled) closeCompetitionWhenInvoiced(store, c.index);
     return outcome;
 }
 

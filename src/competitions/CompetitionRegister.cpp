@@ -289,15 +289,6 @@ store::Query rowsToInvoiceQuery(const QString& index) {
             QStringLiteral("c_index")};
 }
 
-int resetUnfinishedRows(Store& store) {
-    store::Transaction tx(store);
-    const int changed =
-        store.update(QStringLiteral("strcompetition"), {{"c_facture", kOpenState}},
-                     QStringLiteral("c_facture IN (?, ?)"), {kCalculatedState, kWrittenState});
-    tx.commit();
-    return changed;
-}
-
 CompetitionRecord loadCompetition(const Store& store, const QString& index) {
     const auto r = store.selectOne(
         QStringLiteral("SELECT * FROM strcompetition WHERE c_index = ? AND index_reference = ?"),

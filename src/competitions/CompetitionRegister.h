@@ -56,10 +56,6 @@ store::Query partyRowsQuery(const QString& index);
 // The party rows the calculation marked for invoicing, by key.
 store::Query rowsToInvoiceQuery(const QString& index);
 
-// Rows calculated or written but never printed, in every competition, go
-// back to " " (opening the window, cancelling, calculating). Returns how many.
-int resetUnfinishedRows(store::Store& store);
-
 // The master row; Refusal when there is none.
 CompetitionRecord loadCompetition(const store::Store& store, const QString& index);
 

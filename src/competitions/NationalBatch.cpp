@@ -2,6 +2,7 @@
 
 #include <QDir>
 
+#include "competitions/CompetitionBatch.h"
 #include "competitions/CompetitionInvoicing.h"
 #include "competitions/NationalInvoicing.h"
 #include "invoicing/DocumentSettings.h"
@@ -30,6 +31,7 @@ Money confirmed(const QString& given, Money tariff) {
 int calculate(app::BatchContext& c, BatchKind kind) {
     app::Session& session = c.session();
     const QString season = seasonOf(c);
+    reportFinished(c, finishInterruptedRows(session.store(), invoicing::documentSettings(session)));
     const int marked = calculateBatch(session.store(), kind, season);
     for (const auto& r : session.store().select(calculatedBatchRowsQuery(kind, season))) {
         const BatchRow row = batchRowOf(r);
@@ -56,10 +58,8 @@ int invoice(app::BatchContext& c, BatchKind kind) {
         prices.player = confirmed(c.option(QStringLiteral("--joueur")), plan.playerTariff);
     const InvoicingOutcome outcome =
         invoiceBatch(session.store(), invoicing::documentSettings(session), kind, season, prices,
-                     session.today());
-    for (const QString& number : outcome.numbers) c.out() << "facture N° " << number << "\n";
-    for (const QString& path : outcome.files)
-        c.out() << "document écrit : " << QDir::toNativeSeparators(path) << "\n";
+                     session.today(), {}, reference::Viewer::of(session).login);
+    printOutcome(c, outcome);
     c.out() << outcome.numbers.size() << " facture(s) générée(s) pour la saison " << season << "\n";
     return 0;
 }

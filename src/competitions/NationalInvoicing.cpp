@@ -3,6 +3,7 @@
 #include <QHash>
 
 #include "competitions/CompetitionRegister.h"
+#include "competitions/InvoicingRuns.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 
@@ -22,17 +23,21 @@ bool isMen(const QString& nature) {
 
 // The master rows of one kind and season, in the state the condition asks.
 store::Query batchRows(BatchKind kind, const QString& season, const store::Condition& state) {
+    return {QStringLiteral("SELECT * FROM strcompetition"),
+            batchRowsCondition(kind, season) && state, QStringLiteral("c_index")};
+}
+
+}  // namespace
+
+store::Condition batchRowsCondition(BatchKind kind, const QString& season) {
     store::Condition rows(QStringLiteral("c_saison = ? AND index_reference = ?"),
                           {season.trimmed(), kMasterReference});
     rows &= kind == BatchKind::Championship
                 ? store::Condition(QStringLiteral("upper(substr(c_nature, 1, 4)) = ?"),
                                    {kChampionshipNaturePrefix})
                 : store::Condition(QStringLiteral("upper(c_type) = ?"), {kPrivateType});
-    return {QStringLiteral("SELECT * FROM strcompetition"), rows && state,
-            QStringLiteral("c_index")};
+    return rows;
 }
-
-}  // namespace
 
 store::Query openBatchRowsQuery(BatchKind kind, const QString& season) {
     return batchRows(kind, season, {QStringLiteral("COALESCE(TRIM(c_facture), '') = ''")});
@@ -69,6 +74,7 @@ bool batchRowOwes(BatchKind kind, const BatchRow& row) {
 }
 
 int calculateBatch(Store& store, BatchKind kind, const QString& season) {
+    requireNoLiveRun(store, RunScope::batch(kind, season));
     store::Transaction tx(store);
     // A calculation done again starts from what is still to invoice.
     for (const auto& r : store.select(calculatedBatchRowsQuery(kind, season)))
@@ -144,7 +150,16 @@ InvoiceParty codificationParty(const Store& store, const QString& codification,
 
 InvoicingOutcome invoiceBatch(Store& store, const invoicing::DocumentSettings& settings,
                               BatchKind kind, const QString& season, const BatchPrices& prices,
-                              const QDate& today, const InvoicingProgress& progress) {
+                              const QDate& today, const InvoicingProgress& progress,
+                              const QString& login) {
+    RunLease lease(store, RunScope::batch(kind, season), login);
+    const FinishedRows finished = finishInterruptedRows(store, settings, lease.token());
+    if (!finished.numbers.empty() &&
+        store.select(calculatedBatchRowsQuery(kind, season), 1).empty()) {
+        InvoicingOutcome outcome;
+        outcome.finished = finished.numbers;
+        return outcome;
+    }
     const BatchPlan plan = planBatch(store, kind, season);
     if ((plan.asksMenPrice && prices.menLine <= Money()) ||
         (plan.asksWomenPrice && prices.womenLine <= Money()) ||
@@ -184,8 +199,14 @@ InvoicingOutcome invoiceBatch(Store& store, const invoicing::DocumentSettings& s
         if (inv.lines.empty()) continue;  // nothing owed: no invoice without lines
         invoices.push_back(std::move(inv));
     }
-    if (invoices.empty()) throw Refusal(QStringLiteral("Aucune facture à émettre."));
-    return writeRowInvoices(store, settings, invoices, today, endOfMonthDueDate(today), progress);
+    InvoicingOutcome outcome;
+    if (invoices.empty() && finished.numbers.empty())
+        throw Refusal(QStringLiteral("Aucune facture à émettre."));
+    if (!invoices.empty())
+        outcome = writeRowInvoices(store, settings, invoices, today, endOfMonthDueDate(today),
+                                   progress, lease);
+    outcome.finished = finished.numbers;
+    return outcome;
 }
 
 }  // namespace orve::competitions

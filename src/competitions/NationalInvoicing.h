@@ -43,6 +43,8 @@ inline const QString kPrivateNature = QStringLiteral("PRIVE");
 inline const QString kFixedPartArticle = QStringLiteral("99999992");
 inline const QString kPlayerFeeArticle = QStringLiteral("99999993");
 
+// Every master row of one kind and season, whatever its state.
+store::Condition batchRowsCondition(BatchKind kind, const QString& season);
 // The master rows of a season not yet calculated (the window's grid), and
 // those the calculation marked "C", by key.
 store::Query openBatchRowsQuery(BatchKind kind, const QString& season);
@@ -103,11 +105,14 @@ invoicing::InvoiceParty codificationParty(const store::Store& store, const QStri
 // Invoices every "C" row of the season: header and numbering as the
 // competition window's, due at the end of the month (or the 15th of the next)
 // for every operator, the national title followed by "-Hommes" or "-Dames".
-// Everything is read and checked first; then as writeRowInvoices. Refusal
+// The run holds the season's rows (a lease in the name of `login`) and
+// first finishes what an interrupted run left. Everything is read and
+// checked first; then as writeRowInvoices. Refusal
 // "Aucune facture à émettre." when nothing is owed, "Veuillez saisir un
 // tarif" for a price needed that is not above 0.
 InvoicingOutcome invoiceBatch(store::Store& store, const invoicing::DocumentSettings& settings,
                               BatchKind kind, const QString& season, const BatchPrices& prices,
-                              const QDate& today, const InvoicingProgress& progress = {});
+                              const QDate& today, const InvoicingProgress& progress = {},
+                              const QString& login = {});
 
 }  // namespace orve::competitions

@@ -1,8 +1,10 @@
 #include "competitions/RowInvoicing.h"
 
-#include <QHash>
+#include <QStringList>
+#include <algorithm>
 
 #include "competitions/CompetitionRegister.h"
+#include "competitions/InvoicingRuns.h"
 #include "invoicing/InvoiceFiles.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
@@ -94,7 +96,7 @@ store::Fields headerFields(const QString& number, const PreparedInvoice& inv, co
             {"ent_clt_cp_ville", p.postcodeTown},
             {"ent_acompte", 0},
             {"ent_montant", QVariant::fromValue<qint64>(total.cents())},
-            {"ent_fact_edt", "O"},
+            {"ent_fact_edt", "N"},  // printed once its document is on disk
             {"ent_envoi_mail", "N"},
             {"ent_compta", "N"}};
 }
@@ -105,8 +107,8 @@ store::Fields headerFields(const QString& number, const PreparedInvoice& inv, co
 // one transaction (SQLite commits attached files in turn), so a kill between
 // two commits could leave a row pointing at a number never written, taken
 // again by the next invoice. Written in this order, a kill leaves at worst a
-// whole invoice that no row points at yet, which the next run takes over
-// (adoptedInvoices) instead of writing it twice.
+// whole invoice that no row points at yet, which the next run or opening
+// gives back to its row (finishInterruptedRows) instead of writing it twice.
 // Empty when the row is no longer "C".
 QString writeInvoice(Store& store, const PreparedInvoice& inv, const QDate& today,
                      const QDate& due) {
@@ -143,59 +145,193 @@ QString writeInvoice(Store& store, const PreparedInvoice& inv, const QDate& toda
     return number;
 }
 
-// The row follows its invoice: "A", its number and date.
-void markRowWritten(Store& store, const QString& rowIndex, const QString& number,
-                    const QString& date) {
+// The row follows its invoice: "A", its number and date. Only a row still
+// in one of `from` (and without an invoice) is changed. Returns whether it was.
+bool markRowWritten(Store& store, const QString& rowIndex, const QString& number,
+                    const QString& date, const QStringList& from = {kCalculatedState}) {
     store::Transaction tx(store);
     const auto day = format::parseDisplayDate(date);
-    store.update(QStringLiteral("strcompetition"),
-                 {{"c_facture", kWrittenState},
-                  {"c_num_facture", number},
-                  {"c_date_facture", date},
-                  {"c_tri_facture", day ? format::sortDate(*day) : QStringLiteral(" ")}},
-                 QStringLiteral("c_index = ? AND c_facture = ?"), {rowIndex, kCalculatedState});
+    QStringList marks;
+    store::Params params{rowIndex};
+    for (const QString& state : from) {
+        marks << QStringLiteral("?");
+        params.push_back(state);
+    }
+    const int changed = store.update(
+        QStringLiteral("strcompetition"),
+        {{"c_facture", kWrittenState},
+         {"c_num_facture", number},
+         {"c_date_facture", date},
+         {"c_tri_facture", day ? format::sortDate(*day) : QStringLiteral(" ")}},
+        QStringLiteral("c_index = ? AND COALESCE(c_facture, ' ') IN (%1)").arg(marks.join(',')),
+        params);
     tx.commit();
+    return changed > 0;
 }
 
-// An invoice a killed run wrote for a row without reaching the row: filed
-// under a row still "C", pointed at by no row, cancelled by no credit note,
-// made out to the same party with the very lines the row now owes. Taking it
-// over is the same as writing it again, without the second invoice. Returns
-// its number and date by row.
-QHash<QString, std::pair<QString, QString>> adoptedInvoices(
-    const Store& store, const std::vector<PreparedInvoice>& invoices) {
-    QHash<QString, std::pair<QString, QString>> adopted;
+// The account an invoice of a row is made out to: the party code of a party
+// row, the codification of a national row ("CD13" is "CD013").
+QString expectedAccount(const store::Row& row) {
+    if (trimmedText(row, "index_reference") != kMasterReference)
+        return partyCodeOf(trimmedText(row, "c_nom_organisateur"));
+    const QString code = trimmedText(row, "c_codification").toUpper();
+    if (code.startsWith(QStringLiteral("CD")))
+        return QStringLiteral("CD") + format::padCode(code.mid(2), 3);
+    return code;
+}
+
+// Invoices a run wrote for rows it never reached, given back to their rows.
+int attachOrphanInvoices(Store& store, const store::Condition& outside) {
+    const store::Condition rows =
+        store::Condition(
+            QStringLiteral("e.ent_fact_type = ? AND COALESCE(TRIM(c.c_facture), '') IN ('', ?) "
+                           "AND COALESCE(TRIM(c.c_num_facture), '') = '' "
+                           "AND NOT EXISTS (SELECT 1 FROM strcompetition o WHERE "
+                           "o.c_num_facture = e.ent_fact_no) AND NOT EXISTS (SELECT 1 FROM "
+                           "strentete a WHERE a.ent_fact_origine = e.ent_fact_no)"),
+            {invoicing::kInvoiceType, kCalculatedState}) &&
+        outside;
     const auto orphans = store.select(
-        QStringLiteral(
-            "SELECT e.ent_fact_no, e.ent_c_index, e.ent_tiers_fact, e.ent_fact_date "
-            "FROM strentete e WHERE e.ent_c_index IN (SELECT c_index FROM strcompetition "
-            "WHERE c_facture = ?) AND e.ent_fact_type = ? "
-            "AND NOT EXISTS (SELECT 1 FROM strcompetition c WHERE c.c_num_facture = "
-            "e.ent_fact_no) AND NOT EXISTS (SELECT 1 FROM strentete o WHERE o.ent_fact_origine "
-            "= e.ent_fact_no) ORDER BY CAST(e.ent_fact_no AS INTEGER)"),
-        {kCalculatedState, invoicing::kInvoiceType});
-    if (orphans.empty()) return adopted;
-    QHash<QString, const PreparedInvoice*> byRow;
-    for (const auto& inv : invoices) byRow.insert(inv.rowIndex.toUpper(), &inv);
+        QStringLiteral("SELECT e.ent_fact_no, e.ent_fact_date, e.ent_tiers_fact, c.c_index, "
+                       "c.index_reference, c.c_nom_organisateur, c.c_codification FROM strentete "
+                       "e JOIN strcompetition c ON c.c_index = e.ent_c_index") +
+            rows.where() + QStringLiteral(" ORDER BY CAST(e.ent_fact_no AS INTEGER)"),
+        rows.params());
+    int attached = 0;
     for (const auto& o : orphans) {
-        const PreparedInvoice* inv = byRow.value(trimmedText(o, "ent_c_index").toUpper());
-        if (!inv || adopted.contains(inv->rowIndex)) continue;
-        if (trimmedText(o, "ent_tiers_fact").compare(inv->party.account, Qt::CaseInsensitive) != 0)
+        if (trimmedText(o, "ent_tiers_fact").compare(expectedAccount(o), Qt::CaseInsensitive) != 0)
             continue;
-        const QString number = trimmedText(o, "ent_fact_no");
-        const auto stored = invoicing::readLines(store, number);
-        bool same = stored.size() == inv->lines.size();
-        for (size_t i = 0; same && i < stored.size(); ++i)
-            same = stored[i].article == inv->lines[i].article &&
-                   stored[i].text == inv->lines[i].text &&
-                   stored[i].quantity == inv->lines[i].quantity &&
-                   stored[i].unitPrice == inv->lines[i].unitPrice;
-        if (same) adopted.insert(inv->rowIndex, {number, trimmedText(o, "ent_fact_date")});
+        if (markRowWritten(store, trimmedText(o, "c_index"), trimmedText(o, "ent_fact_no"),
+                           trimmedText(o, "ent_fact_date"), {kOpenState, kCalculatedState, ""}))
+            ++attached;
     }
-    return adopted;
+    return attached;
+}
+
+QString numbersText(const std::vector<QString>& numbers) {
+    if (numbers.empty()) return {};
+    if (numbers.size() == 1) return QStringLiteral("N° ") + numbers.front();
+    return QStringLiteral("N° %1 à %2").arg(numbers.front(), numbers.back());
+}
+
+// What the operator reads when a run stops on a failure.
+QString interruptedText(const QString& cause, const InvoicingOutcome& done, int documented,
+                        int notInvoiced) {
+    QStringList t;
+    t << QStringLiteral("La génération des factures s'est arrêtée : %1").arg(cause);
+    if (done.numbers.empty())
+        t << QStringLiteral("Aucune facture n'a été enregistrée par cette génération.");
+    else
+        t << QStringLiteral(
+                 "%1 facture(s) enregistrée(s) avant l'arrêt (%2), dont %3 avec leur "
+                 "document.")
+                 .arg(done.numbers.size())
+                 .arg(numbersText(done.numbers))
+                 .arg(documented);
+    if (notInvoiced > 0)
+        t << QStringLiteral("%1 ligne(s) n'ont pas été facturées : elles restent à facturer.")
+                 .arg(notInvoiced);
+    if (const QString notes = outcomeNotes(done); !notes.isEmpty()) t << notes;
+    const int missing = static_cast<int>(done.numbers.size()) - documented;
+    if (missing > 0)
+        t << QStringLiteral(
+                 "Les %1 document(s) manquant(s) seront faits par la prochaine "
+                 "génération ou à l'ouverture de la fenêtre, sans facturer deux fois.")
+                 .arg(missing);
+    return t.join(QChar('\n'));
 }
 
 }  // namespace
+
+QString partyCodeOf(const QString& partyName) {
+    const QString t = partyName.trimmed();
+    const int dash = t.indexOf(QStringLiteral(" - "));
+    return (dash < 0 ? t.section(QChar(' '), 0, 0) : t.left(dash)).trimmed();
+}
+
+QString outcomeNotes(const InvoicingOutcome& outcome) {
+    QStringList t;
+    if (!outcome.finished.empty())
+        t << QStringLiteral(
+                 "%1 facture(s) laissée(s) sans document par une génération "
+                 "interrompue ont d'abord été terminées (%2).")
+                 .arg(outcome.finished.size())
+                 .arg(numbersText(outcome.finished));
+    if (!outcome.lost.empty())
+        t << QStringLiteral(
+                 "%1 ligne(s) reprises entre-temps par un autre poste n'ont pas été "
+                 "facturées : %2. Calculez à nouveau la compétition pour les "
+                 "facturer.")
+                 .arg(outcome.lost.size())
+                 .arg(QStringList(outcome.lost.begin(), outcome.lost.end())
+                          .join(QStringLiteral(", ")));
+    return t.join(QChar('\n'));
+}
+
+QString FinishedRows::report() const {
+    if (empty()) return {};
+    QStringList t;
+    if (attached > 0)
+        t << QStringLiteral(
+                 "%1 facture(s) écrite(s) par une génération interrompue ont été "
+                 "rattachées à leur ligne de compétition.")
+                 .arg(attached);
+    if (!numbers.empty())
+        t << QStringLiteral(
+                 "%1 facture(s) laissée(s) sans document par une génération "
+                 "interrompue ont été terminées (%2).")
+                 .arg(numbers.size())
+                 .arg(numbersText(numbers));
+    return t.join(QChar('\n'));
+}
+
+void closeCompetitionWhenInvoiced(Store& store, const QString& index) {
+    store::Transaction tx(store);
+    const bool open =
+        store.exists(QStringLiteral("SELECT 1 FROM strcompetition WHERE index_reference = ? AND "
+                                    "(c_facture IS NULL OR c_facture <> ?)"),
+                     {index, kInvoicedState});
+    if (!open)
+        store.update(QStringLiteral("strcompetition"), {{"c_facture", kInvoicedState}},
+                     QStringLiteral("c_index = ? AND index_reference = ?"),
+                     {index, kMasterReference});
+    tx.commit();
+}
+
+FinishedRows finishInterruptedRows(Store& store, const invoicing::DocumentSettings& settings,
+                                   const QString& ownToken) {
+    FinishedRows finished;
+    const store::Condition outside = rowsOutsideLiveRuns(store, ownToken);
+    finished.attached = attachOrphanInvoices(store, outside);
+    const store::Condition written =
+        store::Condition(QStringLiteral("c_facture = ? AND EXISTS (SELECT 1 FROM strentete e "
+                                        "WHERE e.ent_fact_no = c_num_facture)"),
+                         {kWrittenState}) &&
+        outside;
+    const auto rows = store.select(
+        QStringLiteral("SELECT c_num_facture, index_reference FROM strcompetition") +
+            written.where() + QStringLiteral(" ORDER BY CAST(c_num_facture AS INTEGER)"),
+        written.params());
+    if (rows.empty()) return finished;
+    QStringList competitions;
+    {
+        invoicing::DocumentRun run(store, settings);
+        for (const auto& r : rows) {
+            const QString number = trimmedText(r, "c_num_facture");
+            if (std::find(finished.numbers.begin(), finished.numbers.end(), number) !=
+                finished.numbers.end())
+                continue;
+            finished.numbers.push_back(number);
+            run.add(number);
+            const QString reference = trimmedText(r, "index_reference");
+            if (reference != kMasterReference && !competitions.contains(reference))
+                competitions << reference;
+        }
+        finished.files = run.finish();
+    }
+    for (const QString& index : competitions) closeCompetitionWhenInvoiced(store, index);
+    return finished;
+}
 
 QDate endOfMonthDueDate(const QDate& today) {
     if (today.day() < 16) return QDate(today.year(), today.month(), today.daysInMonth());
@@ -304,35 +440,43 @@ InvoiceParty centreInvoiceParty(const Store& store, const QString& account,
 
 InvoicingOutcome writeRowInvoices(Store& store, const invoicing::DocumentSettings& settings,
                                   const std::vector<PreparedInvoice>& invoices, const QDate& today,
-                                  const QDate& due, const InvoicingProgress& progress) {
-    const auto adopted = adoptedInvoices(store, invoices);
+                                  const QDate& due, const InvoicingProgress& progress,
+                                  RunLease& lease) {
     InvoicingOutcome outcome;
     const int total = static_cast<int>(invoices.size());
     // Records are written here, each invoice in one transaction and its row
     // in the next, while the workers draw the documents of those already
     // written.
     invoicing::DocumentRun run(store, settings);
-    for (const PreparedInvoice& inv : invoices) {
-        if (progress && !progress(run.marked(), total)) {
-            outcome.cancelled = true;
-            break;
+    try {
+        for (const PreparedInvoice& inv : invoices) {
+            if (progress && !progress(run.marked(), total)) {
+                outcome.cancelled = true;
+                break;
+            }
+            lease.keepAlive();
+            const QString number = writeInvoice(store, inv, today, due);
+            if (number.isEmpty()) {
+                outcome.lost.push_back(inv.rowIndex);
+                continue;
+            }
+            markRowWritten(store, inv.rowIndex, number, format::displayDate(today));
+            outcome.numbers.push_back(number);
+            run.add(documentOf(number, inv, today, due));
         }
-        if (const auto it = adopted.constFind(inv.rowIndex); it != adopted.cend()) {
-            markRowWritten(store, inv.rowIndex, it->first, it->second);
-            outcome.numbers.push_back(it->first);
-            run.add(it->first);
-            continue;
-        }
-        const QString number = writeInvoice(store, inv, today, due);
-        if (number.isEmpty()) continue;
-        markRowWritten(store, inv.rowIndex, number, format::displayDate(today));
-        outcome.numbers.push_back(number);
-        run.add(documentOf(number, inv, today, due));
+        outcome.files = run.finish([&](int done, int) {
+            lease.keepAlive();
+            if (progress) progress(done, total);
+            return true;
+        });
+    } catch (const std::exception& e) {
+        // The invoice under way when it failed was rolled back whole: it is
+        // among the rows still to invoice.
+        const int remaining = total - static_cast<int>(outcome.numbers.size()) -
+                              static_cast<int>(outcome.lost.size());
+        throw InterruptedRun(interruptedText(describeError(e), outcome, run.marked(), remaining),
+                             outcome);
     }
-    outcome.files = run.finish([&](int done, int) {
-        if (progress) progress(done, total);
-        return true;
-    });
     return outcome;
 }
 

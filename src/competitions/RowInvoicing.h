@@ -8,6 +8,7 @@
 #include "invoicing/DocumentSettings.h"
 #include "invoicing/InvoiceRecords.h"
 #include "store/Money.h"
+#include "store/Refusal.h"
 #include "store/Store.h"
 
 // What every batch that invoices competition rows shares: one invoice per
@@ -26,9 +27,24 @@ inline const QString kLineFeeArticle = QStringLiteral("99999990");
 using InvoicingProgress = std::function<bool(int done, int total)>;
 
 struct InvoicingOutcome {
-    std::vector<QString> numbers;  // invoices written, in order
-    std::vector<QString> files;    // documents written
+    std::vector<QString> numbers;   // invoices written, in order
+    std::vector<QString> files;     // documents written
+    std::vector<QString> finished;  // invoices an interrupted run had left, finished first
+    std::vector<QString> lost;      // rows taken away meanwhile (no longer "C"), not invoiced
     bool cancelled = false;
+};
+
+// A run stopped by a failure (disk full, server gone, …): the invoices it had
+// written stay written; the message says what was committed, what was not,
+// and what the next run (or the opening of the window) finishes.
+class InterruptedRun : public OperatorMessage {
+  public:
+    InterruptedRun(const QString& message, InvoicingOutcome outcome)
+        : OperatorMessage(message), m_outcome(std::move(outcome)) {}
+    const InvoicingOutcome& outcome() const { return m_outcome; }
+
+  private:
+    InvoicingOutcome m_outcome;
 };
 
 // One invoice to write, prepared before anything is written so that a row
@@ -66,14 +82,48 @@ invoicing::InvoiceParty committeeInvoiceParty(const store::Store& store, const Q
 invoicing::InvoiceParty centreInvoiceParty(const store::Store& store, const QString& account,
                                            const QString& rowName);
 
+class RunLease;
+
+// What a run's closing message adds to the invoices it counts: the invoices
+// of an interrupted run it finished first, the rows another workstation took
+// meanwhile. Empty when neither.
+QString outcomeNotes(const InvoicingOutcome& outcome);
+
+// The party code at the head of a party row's name: "CL13001 - Bowling Club
+// Phocéen" gives "CL13001".
+QString partyCodeOf(const QString& partyName);
+
 // Writes one invoice per prepared row still in state "C" (each invoice with
 // its lines in one transaction, then its row "A" in the next), while the
 // documents of those already written are drawn on every core; each row is
-// "F" once its file is on disk. An invoice a killed run wrote without
-// reaching its row is taken over, not written twice. A cancel stops between
-// whole invoices. Throws StoreError or a file error; what was done stays done.
+// "F" once its file is on disk. A row another workstation took meanwhile is
+// left and named in `lost`. A cancel stops between whole invoices. A failure
+// throws InterruptedRun, which says what was done; what was done stays done.
 InvoicingOutcome writeRowInvoices(store::Store& store, const invoicing::DocumentSettings& settings,
                                   const std::vector<PreparedInvoice>& invoices, const QDate& today,
-                                  const QDate& due, const InvoicingProgress& progress);
+                                  const QDate& due, const InvoicingProgress& progress,
+                                  RunLease& lease);
+
+// What a killed or failed run left, finished: an invoice written for a row
+// the run never reached (the row still " " or "C", nothing pointing at the
+// invoice, the invoice not cancelled, made out to the row's party) is the
+// row's invoice, and the row becomes "A"; every row "A" then gets its
+// document and becomes "F", its header printed; a competition whose party
+// rows are all "F" closes. Rows of a live run of another workstation (or of
+// this one) are left to it; those of the run `ownToken` are not. A row with
+// an invoice is never made invoiceable again: only a credit note does that.
+struct FinishedRows {
+    int attached = 0;              // rows given back the invoice a run wrote for them
+    std::vector<QString> numbers;  // invoices whose documents were made
+    std::vector<QString> files;
+    bool empty() const { return attached == 0 && numbers.empty(); }
+    // "N facture(s) laissée(s) par une génération interrompue … terminée(s) …", or "".
+    QString report() const;
+};
+FinishedRows finishInterruptedRows(store::Store& store, const invoicing::DocumentSettings& settings,
+                                   const QString& ownToken = {});
+
+// The competition closes ("F") once every one of its party rows is "F".
+void closeCompetitionWhenInvoiced(store::Store& store, const QString& index);
 
 }  // namespace orve::competitions

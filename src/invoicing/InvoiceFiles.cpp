@@ -289,16 +289,35 @@ void makeDurable(const std::vector<QString>& paths) {
 }
 
 // What a finished document changes in the records: the header is printed
-// with its total, the competition row that carries its number is final.
-void markPrinted(store::Store& store, const QString& number, Money total) {
-    store.update(
-        QStringLiteral("strentete"),
-        {{"ent_fact_edt", "O"}, {"ent_montant", QVariant::fromValue<qint64>(total.cents())}},
-        QStringLiteral("ent_fact_no = ?"), {number});
-    store.update(
-        QStringLiteral("strcompetition"),
-        {{"c_facture", "F"}, {"c_edt_fact", "OUI"}, {"c_add_tiers", "N"}, {"c_envoi_mail", "N"}},
-        QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {number});
+// with its total, then the competition row that carries its number is final.
+// Each file in a transaction of its own, the invoice file first: SQLite
+// commits attached files one after the other, so a transaction over both
+// could keep one and lose the other in a kill. In this order a kill leaves
+// at worst a printed header under a row still "A", which the next run or
+// opening finishes again (the document is made again, the same).
+struct Printed {
+    QString number;
+    Money total;
+};
+void markPrinted(store::Store& store, const std::vector<Printed>& documents) {
+    {
+        store::Transaction tx(store);
+        for (const Printed& d : documents)
+            store.update(QStringLiteral("strentete"),
+                         {{"ent_fact_edt", "O"},
+                          {"ent_montant", QVariant::fromValue<qint64>(d.total.cents())}},
+                         QStringLiteral("ent_fact_no = ?"), {d.number});
+        tx.commit();
+    }
+    store::Transaction tx(store);
+    for (const Printed& d : documents)
+        store.update(QStringLiteral("strcompetition"),
+                     {{"c_facture", "F"},
+                      {"c_edt_fact", "OUI"},
+                      {"c_add_tiers", "N"},
+                      {"c_envoi_mail", "N"}},
+                     QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {d.number});
+    tx.commit();
 }
 
 QString writePdf(const InvoiceDocumentData& doc, const DocumentSettings& settings) {
@@ -325,9 +344,7 @@ QString generateInvoicePdf(store::Store& store, const DocumentSettings& settings
                            const QString& number) {
     const InvoiceDocumentData doc = loadInvoiceDocument(store, number);
     const QString path = writePdf(doc, settings);
-    store::Transaction tx(store);
-    markPrinted(store, doc.number, doc.total());
-    tx.commit();
+    markPrinted(store, {{doc.number, doc.total()}});
     return path;
 }
 
@@ -473,11 +490,12 @@ void DocumentRun::markCollected(bool force) {
     std::sort(group.begin(), group.end(), [](const auto& a, const auto& b) {
         return format::leadingNumber(a.number) < format::leadingNumber(b.number);
     });
+    std::vector<Printed> printed;
+    printed.reserve(group.size());
+    for (const auto& w : group) printed.push_back({w.number, w.total});
     for (int attempt = 1;; ++attempt) {
         try {
-            store::Transaction tx(m_store);
-            for (const auto& w : group) markPrinted(m_store, w.number, w.total);
-            tx.commit();
+            markPrinted(m_store, printed);
             break;
         } catch (const StoreError& e) {
             // Another workstation held the rows a moment: the marks are made again.

@@ -23,8 +23,9 @@ QString invoicePdfPath(const QString& invoiceFolder, const QString& account, con
 // Writes the PDF of a stored invoice or credit note, replacing an older file,
 // then marks the header (ent_fact_edt "O", ent_montant) and the competition
 // row that carries its number (c_facture "F", c_edt_fact "OUI", c_add_tiers
-// "N", c_envoi_mail "N"; pseudo-competitions, c_facture "X", are left alone)
-// in one transaction. Returns the file's path.
+// "N", c_envoi_mail "N"; pseudo-competitions, c_facture "X", are left alone),
+// the header first, each file in a transaction of its own. Returns the
+// file's path.
 //
 // The file, readable by its owner only, is written to a temporary of its own,
 // synced to the disk and renamed over the older one: its name holds a whole
@@ -55,8 +56,8 @@ std::vector<QString> generateInvoicePdfs(store::Store& store, const DocumentSett
 // A run of documents: the store's thread reads each invoice and hands it
 // over; worker threads, one per core, draw and write the files; the store's
 // thread then makes a group of finished files durable with one sync and marks
-// them (header ent_fact_edt "O" and ent_montant, competition row "F") in one
-// transaction. An invoice is marked only once its file is whole on disk, so a
+// them (header ent_fact_edt "O" and ent_montant, then competition row "F"),
+// one transaction a file. An invoice is marked only once its file is whole on disk, so a
 // kill at any moment leaves it unmarked, or marked with its document there.
 //
 //     DocumentRun run(store, settings);

@@ -50,14 +50,24 @@ std::vector<QString> inNumberOrder(const std::vector<QString>& invoices) {
     return out;
 }
 
+// The competition file first, then the invoice file, each in a transaction
+// of its own: SQLite commits attached files one after the other, so one
+// transaction over both could keep one and lose the other in a kill. In this
+// order a kill leaves at worst the competition rows done and the invoice
+// still listed as not mailed: mailing it again does the same again, while
+// the other order could lose the rows to invoice again for good.
 void markMailed(Store& store, const PreparedMail& mail, bool invoiceAgain) {
+    {
+        store::Transaction tx(store);
+        store.update(QStringLiteral("strcompetition"), {{"c_envoi_mail", "O"}},
+                     QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {mail.invoice});
+        if (invoiceAgain && !mail.cancelled.isEmpty())
+            resetCompetitionInvoicing(store, {mail.cancelled});
+        tx.commit();
+    }
     store::Transaction tx(store);
     store.update(QStringLiteral("strentete"), {{"ent_envoi_mail", "O"}},
                  QStringLiteral("ent_fact_no = ?"), {mail.invoice});
-    store.update(QStringLiteral("strcompetition"), {{"c_envoi_mail", "O"}},
-                 QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {mail.invoice});
-    if (invoiceAgain && !mail.cancelled.isEmpty())
-        resetCompetitionInvoicing(store, {mail.cancelled});
     tx.commit();
     store.scratch().update(
         QStringLiteral("strenvoi"), {{"c_edt", kNoTick}, {"ent_envoi_mail", "O"}},

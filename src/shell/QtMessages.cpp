@@ -9,17 +9,18 @@ namespace orve::shell {
 
 namespace {
 
-bool housekeeping(const QString& message) {
-    return message.contains(QStringLiteral("QSqlDatabasePrivate::removeDatabase")) ||
-           message.contains(QStringLiteral("QSqlDatabasePrivate::addDatabase")) ||
-           message.contains(QStringLiteral("propagateSizeHints")) ||
-           message.startsWith(QStringLiteral("QStandardPaths:"));
-}
+// Qt's and the database client's own warnings ("Unable to free statement",
+// "terminating connection", …) are English words for developers: every
+// failure the operator must know of reaches them as a French message. They
+// are shown only when ORVE_DEBUG is set, for support.
+bool forDevelopers() { return qEnvironmentVariableIsSet("ORVE_DEBUG"); }
 
 void handler(QtMsgType type, const QMessageLogContext&, const QString& message) {
-    if (type != QtFatalMsg && housekeeping(message)) return;
-    std::fprintf(stderr, "%s\n", qPrintable(message));
-    if (type == QtFatalMsg) std::abort();
+    if (type == QtFatalMsg) {
+        std::fprintf(stderr, "%s\n", qPrintable(message));
+        std::abort();
+    }
+    if (forDevelopers()) std::fprintf(stderr, "%s\n", qPrintable(message));
 }
 
 }  // namespace

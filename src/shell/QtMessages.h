@@ -2,10 +2,9 @@
 
 namespace orve::shell {
 
-// Keeps Qt's own housekeeping warnings (connections removed while a query
-// object lingers, window hints the offscreen platform cannot honour, runtime
-// folders) off the operator's terminal: the operator reads ORVE's messages,
-// in French, and nothing else. Real warnings and fatal errors still print.
+// Keeps Qt's and the database client's own English warnings off the
+// operator's terminal: the operator reads ORVE's messages, in French, and
+// nothing else. ORVE_DEBUG=1 shows them for support; fatal errors print.
 void quietQtMessages();
 
 }  // namespace orve::shell

@@ -507,14 +507,15 @@ void Store::fail(const QString& sql, const QSqlError& error) const {
         if (sql.trimmed().compare(QStringLiteral("COMMIT"), Qt::CaseInsensitive) == 0)
             throw StoreError(QStringLiteral("La connexion au serveur de la base partagée %1 a été "
                                             "perdue pendant l'enregistrement : vérifiez si "
-                                            "l'opération a été enregistrée avant de la refaire. "
-                                            "[%2]")
-                                 .arg(m_address.display(), format::echoed(error.text().trimmed())));
+                                            "l'opération a été enregistrée avant de la refaire.")
+                                 .arg(m_address.display()));
+        // The server's own English words ("terminating connection …") are
+        // for its log, not for the operator.
         throw StoreError(QStringLiteral("La connexion au serveur de la base partagée %1 est "
-                                        "perdue : l'opération en cours est annulée, rien n'en a "
-                                        "été enregistré. Réessayez dans un instant : ORVE se "
-                                        "reconnectera. [%2]")
-                             .arg(m_address.display(), format::echoed(error.text().trimmed())));
+                                        "perdue : l'écriture en cours est annulée (ce qui avait "
+                                        "été enregistré avant elle le reste). Réessayez dans un "
+                                        "instant : ORVE se reconnectera.")
+                             .arg(m_address.display()));
     }
     const QString table = tableOf(sql);
     QString where;

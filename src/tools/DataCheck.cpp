@@ -1,9 +1,12 @@
 #include "tools/DataCheck.h"
 
+#include <QFile>
 #include <QHash>
 #include <QSet>
+#include <algorithm>
 #include <map>
 
+#include "invoicing/InvoiceFiles.h"
 #include "store/Formats.h"
 #include "store/Money.h"
 #include "tools/InvoiceRenumbering.h"
@@ -28,6 +31,8 @@ struct Header {
     QString competition;
     QString billed, client, nature;
     Money total;
+    QString entity;
+    bool printed = false;
 };
 
 struct LineGroup {
@@ -59,13 +64,18 @@ Data load(const store::Store& s) {
     Data d;
     for (const auto& r : s.select(QStringLiteral(
              "SELECT ent_fact_no, ent_fact_type, ent_fact_lib, ent_fact_origine, ent_c_index, "
-             "ent_tiers_fact, ent_tiers_clt, ent_nature, ent_montant FROM strentete "
+             "ent_tiers_fact, ent_tiers_clt, ent_nature, ent_montant, ent_fact_entite, "
+             "ent_fact_edt "
+             "FROM strentete "
              "ORDER BY CAST(ent_fact_no AS INTEGER), ent_fact_no")))
-        d.headers.push_back({trimmedText(r, "ent_fact_no"), trimmedText(r, "ent_fact_type"),
-                             trimmedText(r, "ent_fact_lib"), trimmedText(r, "ent_fact_origine"),
-                             trimmedText(r, "ent_c_index"), trimmedText(r, "ent_tiers_fact"),
-                             trimmedText(r, "ent_tiers_clt"), trimmedText(r, "ent_nature"),
-                             Money::fromVariant(r.value("ent_montant"))});
+        d.headers.push_back(
+            {trimmedText(r, "ent_fact_no"), trimmedText(r, "ent_fact_type"),
+             trimmedText(r, "ent_fact_lib"), trimmedText(r, "ent_fact_origine"),
+             trimmedText(r, "ent_c_index"), trimmedText(r, "ent_tiers_fact"),
+             trimmedText(r, "ent_tiers_clt"), trimmedText(r, "ent_nature"),
+             Money::fromVariant(r.value("ent_montant")), trimmedText(r, "ent_fact_entite"),
+             trimmedText(r, "ent_fact_edt").compare(QStringLiteral("O"), Qt::CaseInsensitive) ==
+                 0});
     for (size_t i = 0; i < d.headers.size(); ++i) {
         const Header& h = d.headers[i];
         // Of one number written twice, the form without leading zeros is the invoice.
@@ -200,8 +210,26 @@ void checkHeaders(const Data& d, CheckResult& duplicates, CheckResult& withoutLi
     }
 }
 
+// A document is readable when it is a whole PDF: its header, and its end
+// marker near the end of the file.
+bool readablePdf(const QString& path) {
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly) || f.size() < 16) return false;
+    if (!f.read(5).startsWith("%PDF-")) return false;
+    f.seek(std::max<qint64>(0, f.size() - 1024));
+    return f.readAll().contains("%%EOF");
+}
+
+void checkDocuments(const Data& d, const QString& invoiceFolder, CheckResult& missing) {
+    if (invoiceFolder.isEmpty()) return;
+    for (const Header& h : d.headers)
+        if (h.printed &&
+            !readablePdf(invoicing::invoicePdfPath(invoiceFolder, h.billed, h.entity, h.number)))
+            missing.findings << QStringLiteral("facture %1 (%2)").arg(h.number, h.label);
+}
+
 void checkCompetitions(const Data& d, CheckResult& invoiced, CheckResult& orphans,
-                       CheckResult& withoutDocument) {
+                       CheckResult& withoutDocument, CheckResult& leftWritten) {
     for (const auto& r : d.competitionRows) {
         const QString index = trimmedText(r, "c_index");
         const QString state = trimmedText(r, "c_facture");
@@ -220,6 +248,11 @@ void checkCompetitions(const Data& d, CheckResult& invoiced, CheckResult& orphan
                 withoutDocument.findings
                     << QStringLiteral("compétition %1 : facture %2").arg(index, invoice);
         }
+        if (state == QStringLiteral("A"))
+            leftWritten.findings << QStringLiteral(
+                                        "compétition %1 : facture %2 (terminée à la "
+                                        "prochaine ouverture de la fenêtre)")
+                                        .arg(index, invoice);
         if (!isMasterIndex(reference) && !d.competitions.contains(key(reference)))
             orphans.findings << QStringLiteral(
                                     "compétition %1 : compétition principale %2 "
@@ -258,7 +291,7 @@ QStringList DataCheckReport::findingsOf(const QString& title) const {
     return {};
 }
 
-DataCheckReport checkData(const store::Store& store) {
+DataCheckReport checkData(const store::Store& store, const QString& invoiceFolder) {
     const Data d = load(store);
     DataCheckReport report;
     for (const QString& title :
@@ -266,7 +299,8 @@ DataCheckReport checkData(const store::Store& store) {
           check::kHeadersWithoutLines, check::kLinesWithoutHeader, check::kTotals,
           check::kCreditNotes, check::kInvoicedWithoutInvoice, check::kOrphanPartyRows,
           check::kClubDepartments, check::kLinesOutOfStep, check::kWithoutDocument,
-          check::kHeadersUnknownCompetition, check::kTypes})
+          check::kHeadersUnknownCompetition, check::kTypes, check::kRowsLeftWritten,
+          check::kPrintedWithoutFile})
         report.checks.push_back({title, {}});
     auto& c = report.checks;
     checkLines(d, c[0], c[1], c[10]);
@@ -276,7 +310,8 @@ DataCheckReport checkData(const store::Store& store) {
             c[4].findings << QStringLiteral("facture %1 : %2")
                                  .arg(group.number, counted(group.lines, QStringLiteral("ligne"),
                                                             QStringLiteral("lignes")));
-    checkCompetitions(d, c[7], c[8], c[11]);
+    checkCompetitions(d, c[7], c[8], c[11], c[14]);
+    checkDocuments(d, invoiceFolder, c[15]);
     for (const auto& r : d.clubsWithoutCommittee) {
         const QString dept = trimmedText(r, "club_dept");
         c[9].findings << QStringLiteral("club %1 (%2) : département %3")

@@ -51,9 +51,14 @@ inline const QString kHeadersUnknownCompetition =
     QStringLiteral("Factures rattachées à une compétition inconnue");
 inline const QString kTypes =
     QStringLiteral("Factures dont le type (F ou A) ne correspond pas au signe du total");
+inline const QString kRowsLeftWritten =
+    QStringLiteral("Lignes de compétition facturées dont le document n'a pas été fait (état A)");
+inline const QString kPrintedWithoutFile =
+    QStringLiteral("Factures marquées imprimées dont le fichier PDF est absent ou illisible");
 }  // namespace check
 
-// Runs every check. Writes nothing.
-DataCheckReport checkData(const store::Store& store);
+// Runs every check. Writes nothing. With the invoice folder, the documents
+// of the invoices marked printed are looked for there too.
+DataCheckReport checkData(const store::Store& store, const QString& invoiceFolder = {});
 
 }  // namespace orve::tools

@@ -76,7 +76,7 @@ int tool(app::BatchContext& c) {
 }
 
 int verify(app::BatchContext& c) {
-    const DataCheckReport report = checkData(c.session().store());
+    const DataCheckReport report = checkData(c.session().store(), c.session().invoiceFolder());
     c.out() << report.summary() << "\n";
     for (const QString& line : report.lines()) c.out() << line << "\n";
     return report.findings() == 0 ? 0 : 1;

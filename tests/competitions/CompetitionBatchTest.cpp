@@ -90,30 +90,32 @@ void checkWhole(const store::Store& s, const store::Row& header) {
         << number.toStdString();
 }
 
-// Every row untouched ("C"), or "A" with a whole invoice, or "F" with its
-// document too. A kill between the invoice's commit and its row's may leave
-// a whole invoice that no row points at yet (the next run takes it over):
-// at most one per row. No number twice. Once `settled`, every row has
-// exactly its one invoice.
+// Every row not invoiced (" " or "C") has no number; every row invoiced
+// ("A" or "F") has exactly its one whole invoice, and "F" its document. A
+// kill between an invoice's commit and its row's may leave a whole invoice
+// that no row points at yet (given back to its row by the next opening or
+// run): at most one per row. No number twice; no invoice marked printed
+// without its whole document. Once `settled`, every row is "F".
 void checkInvariant(const store::Store& s, const QString& index, const QString& folder,
                     bool settled = false) {
     int invoiceCount = 0;
     for (const auto& r : s.select(partyRowsQuery(index))) {
         const QString key = r.value("c_index").toString();
-        const QString state = r.value("c_facture").toString();
+        const QString state = r.value("c_facture").toString().trimmed();
         const QString number = r.value("c_num_facture").toString().trimmed();
         const auto invoices =
             s.select("SELECT ent_fact_no, ent_montant FROM strentete WHERE ent_c_index = ?", {key});
         ASSERT_LE(invoices.size(), 1u) << key.toStdString();
         invoiceCount += static_cast<int>(invoices.size());
         for (const auto& h : invoices) checkWhole(s, h);
-        if (state == "C") {
+        if (state.isEmpty() || state == "C") {
             EXPECT_TRUE(number.isEmpty()) << key.toStdString();
             EXPECT_FALSE(settled) << key.toStdString();
             continue;
         }
         ASSERT_TRUE(state == "A" || state == "F")
             << key.toStdString() << " " << state.toStdString();
+        EXPECT_FALSE(settled && state == "A") << key.toStdString();
         ASSERT_EQ(invoices.size(), 1u) << key.toStdString();
         EXPECT_EQ(invoices[0].value(0).toString(), number);
         if (state == "F") {
@@ -131,18 +133,28 @@ void checkInvariant(const store::Store& s, const QString& index, const QString& 
                        {index})
                   .toInt(),
               0);
+    for (const auto& h : s.select("SELECT ent_fact_no, ent_tiers_fact FROM strentete WHERE "
+                                  "ent_c_index LIKE 'FD7%' AND ent_fact_edt = 'O'"))
+        EXPECT_TRUE(wholePdf(QDir(folder).filePath(h.value(1).toString().trimmed() + "_FN_" +
+                                                   h.value(0).toString() + ".pdf")))
+            << "printed without its document: " << h.value(0).toString().toStdString();
 }
 
-// Starts an invoicing run and kills it once `ready` says so.
-void killWhen(const test::TestInstall& inst, const QString& index,
-              const std::function<bool()>& ready) {
-    QProcess p;
+// Starts an invoicing run of `index` as ligue06.
+void startRun(QProcess& p, const test::TestInstall& inst, const QString& index) {
     auto env = QProcessEnvironment::systemEnvironment();
     env.insert("QT_QPA_PLATFORM", "offscreen");
     env.insert("ORVE_TODAY", "21/11/2026");
     p.setProcessEnvironment(env);
     p.start(ORVE_BATCH, {"--home", inst.home(), "--as", "ligue06", "competition", "invoice", index,
                          "--engagement", "10", "--ligne", "2,50"});
+}
+
+// Starts an invoicing run and kills it once `ready` says so.
+void killWhen(const test::TestInstall& inst, const QString& index,
+              const std::function<bool()>& ready) {
+    QProcess p;
+    startRun(p, inst, index);
     ASSERT_TRUE(p.waitForStarted());
     QElapsedTimer t;
     t.start();
@@ -199,7 +211,7 @@ TEST(CompetitionBatch, CommandsCalculateInvoiceAndList) {
               33600);
 }
 
-TEST(CompetitionBatch, AKilledRunLeavesOnlyWholeInvoices) {
+TEST(CompetitionBatch, AKilledRunIsFinishedNeverBilledTwice) {
     test::application();
     test::TestInstall inst;
     auto session = inst.start();
@@ -211,37 +223,68 @@ TEST(CompetitionBatch, AKilledRunLeavesOnlyWholeInvoices) {
         << qPrintable(err);
     ASSERT_EQ(rowsIn(s, index, "C"), 605);
 
-    // Killed while documents are being marked.
+    // Killed while documents are being made: rows "A" wait for theirs.
     killWhen(inst, index, [&] { return rowsIn(s, index, "F") >= 40; });
     checkInvariant(s, index, folder);
     const int afterFirst = rowsIn(s, index, "AF");
     EXPECT_GE(afterFirst, 40);
     EXPECT_LT(afterFirst, 605);
 
-    // Killed again as soon as it writes, the rest left "C" as it was.
+    // What a clerk does next: calculate again. The rows with an invoice are
+    // finished, not calculated again; the others are.
+    ASSERT_EQ(batch(inst, {"--as", "ligue06", "competition", "calculate", index}, &out, &err), 0)
+        << qPrintable(err);
+    EXPECT_EQ(rowsIn(s, index, "A"), 0);
+    EXPECT_EQ(rowsIn(s, index, "F"), afterFirst);
+    EXPECT_EQ(rowsIn(s, index, "C"), 605 - afterFirst);
+    checkInvariant(s, index, folder);
+
+    // Killed again as soon as it writes.
     killWhen(inst, index, [&] { return rowsIn(s, index, "AF") > afterFirst + 3; });
     checkInvariant(s, index, folder);
 
-    // The last run takes the rows still "C"; the rows a kill left "A" keep
-    // their whole invoices and get their documents from orve-batch pdf.
+    // The next run finishes what the kill left, then invoices the rest.
     ASSERT_EQ(batch(inst,
                     {"--as", "ligue06", "competition", "invoice", index, "--engagement", "10",
                      "--ligne", "2,50"},
                     &out, &err),
               0)
         << qPrintable(err);
-    checkInvariant(s, index, folder);
-    EXPECT_EQ(rowsIn(s, index, "C"), 0);
-    QStringList written;
-    for (const auto& r : s.select(partyRowsQuery(index)))
-        if (r.value("c_facture").toString() == "A") written << r.value("c_num_facture").toString();
-    if (!written.isEmpty()) {
-        ASSERT_EQ(batch(inst, QStringList{"--as", "ligue06", "pdf"} + written, &out, &err), 0)
-            << qPrintable(err);
-    }
-    EXPECT_EQ(rowsIn(s, index, "F"), 605);
     checkInvariant(s, index, folder, true);
-    // The run that printed the last rows closes the competition.
-    EXPECT_EQ(competitionOpenness(s, index),
-              written.isEmpty() ? Openness::Closed : Openness::Frozen);
+    EXPECT_EQ(rowsIn(s, index, "F"), 605);
+    EXPECT_EQ(competitionOpenness(s, index), Openness::Closed);
+}
+
+TEST(CompetitionBatch, AnotherWorkstationsCalculationLeavesARunsRowsAlone) {
+    test::application();
+    test::TestInstall inst;
+    auto session = inst.start();
+    store::Store& s = session->store();
+    const QString index = bigCompetition(s, 300);
+    QString out, err;
+    ASSERT_EQ(batch(inst, {"--as", "ligue06", "competition", "calculate", index}, &out, &err), 0)
+        << qPrintable(err);
+    ASSERT_EQ(rowsIn(s, index, "C"), 305);
+
+    QProcess run;
+    startRun(run, inst, index);
+    ASSERT_TRUE(run.waitForStarted());
+    // Clerk B calculates another competition, over and over, while A's run
+    // goes on (from its first invoice: before it starts, the rows are no
+    // run's, and a calculation anywhere sends them back, as it always did).
+    while (rowsIn(s, index, "AF") == 0 && !run.waitForFinished(5)) {
+    }
+    int calculations = 0;
+    while (!run.waitForFinished(10)) {
+        ASSERT_EQ(
+            batch(inst, {"--as", "ligue06", "competition", "calculate", "FD700001"}, &out, &err), 0)
+            << qPrintable(err);
+        ++calculations;
+    }
+    const QString said = QString::fromUtf8(run.readAllStandardOutput());
+    ASSERT_EQ(run.exitCode(), 0) << run.readAllStandardError().constData();
+    EXPECT_GE(calculations, 1);
+    EXPECT_TRUE(said.contains("305 facture(s) générée(s)")) << qPrintable(said.right(400));
+    EXPECT_EQ(rowsIn(s, index, "F"), 305);
+    checkInvariant(s, index, session->invoiceFolder(), true);
 }

@@ -12,6 +12,7 @@
 #include "invoicing/InvoiceFiles.h"
 #include "store/Refusal.h"
 #include "support/TestInstall.h"
+#include "tools/DataCheck.h"
 
 using namespace orve;
 using namespace orve::competitions;
@@ -315,7 +316,7 @@ TEST(CompetitionInvoicing, CancelLeavesWholeInvoicesOnly) {
     EXPECT_EQ(s.scalar("SELECT COUNT(*) FROM strentete WHERE ent_c_index LIKE 'FD7%'").toInt(), 2);
 }
 
-TEST(CompetitionInvoicing, ARunTakesOverWhatAKilledRunLeftHalfWay) {
+TEST(CompetitionInvoicing, AnInvoiceAKilledRunWroteGoesBackToItsRowNeverTwice) {
     test::application();
     test::TestInstall inst;
     auto session = inst.startAs("ligue06");
@@ -331,26 +332,99 @@ TEST(CompetitionInvoicing, ARunTakesOverWhatAKilledRunLeftHalfWay) {
     invoicing::issueCreditNotes(s, {"2026000006"}, inst.today());
     invoicing::resetCompetitionInvoicing(s, {"2026000006"});
     // CL13002 and CL13003 as a kill between an invoice and its row leaves
-    // them: the invoice whole, the row still to invoice.
+    // them: the invoice whole, the row back to invoice.
     const QString aix = rowOf(s, index, "CL13002");
     const QString aubagne = rowOf(s, index, "CL13003");
     s.exec(
         "UPDATE strcompetition SET c_facture = ' ', c_num_facture = ' ' WHERE c_index IN "
         "(?, ?)",
         {aix, aubagne});
-    // CL13003 owes something else now: its old invoice is not the one to take.
+    // Even with other counts typed since, CL13003 has been billed: a credit
+    // note, not a second invoice, is the way to change it.
     setTeamCounts(s, aubagne, {"5", "1", "0"});
 
     ASSERT_EQ(calculateCompetition(s, kLeague06, index, "CDCNH", false), 3);
     const InvoicingOutcome again =
         invoiceCompetition(s, kLeague06, settings, index, prices, QDate(2026, 11, 25));
-    EXPECT_EQ(again.numbers, std::vector<QString>({"2026000011", "2026000008", "2026000012"}));
-    EXPECT_EQ(rowValue(s, aix, "c_num_facture"), "2026000008");
-    EXPECT_EQ(rowValue(s, aix, "c_facture"), "F");
-    EXPECT_EQ(rowValue(s, aix, "c_date_facture"), "21/11/2026");
-    EXPECT_EQ(s.scalar("SELECT COUNT(*) FROM strentete WHERE ent_c_index = ?", {aix}).toInt(), 1);
-    EXPECT_EQ(rowValue(s, aubagne, "c_num_facture"), "2026000012");
-    EXPECT_EQ(header(s, "2026000012", "ent_montant"), "26000");  // 5 × 40.00 + 24 × 2.50
+    EXPECT_EQ(again.numbers, std::vector<QString>({"2026000011"}));
+    EXPECT_EQ(again.finished, std::vector<QString>({"2026000008", "2026000009"}));
+    EXPECT_TRUE(outcomeNotes(again).contains("2 facture(s) laissée(s) sans document"))
+        << qPrintable(outcomeNotes(again));
+    for (const auto& [row, number] : {std::pair{aix, "2026000008"}, {aubagne, "2026000009"}}) {
+        EXPECT_EQ(rowValue(s, row, "c_num_facture"), number);
+        EXPECT_EQ(rowValue(s, row, "c_facture"), "F");
+        EXPECT_EQ(rowValue(s, row, "c_date_facture"), "21/11/2026");
+        EXPECT_EQ(s.scalar("SELECT COUNT(*) FROM strentete WHERE ent_c_index = ?", {row}).toInt(),
+                  1);
+    }
     EXPECT_EQ(rowValue(s, rowOf(s, index, "CL06001"), "c_num_facture"), "2026000011");
     EXPECT_EQ(competitionOpenness(s, index), Openness::Frozen);
+}
+
+TEST(CompetitionInvoicing, AFailingRunSaysWhatItDidAndWhatTheNextFinishes) {
+    test::application();
+    test::TestInstall inst;
+    auto session = inst.startAs("ligue06");
+    store::Store& s = session->store();
+    const invoicing::DocumentSettings settings = invoicing::documentSettings(*session);
+    const QString index = "FD700001";
+    ASSERT_EQ(calculateCompetition(s, kLeague06, index, "CDCNH", false), 4);
+    // No document can be written: the invoice folder is a file.
+    invoicing::DocumentSettings broken = settings;
+    broken.invoiceFolder = QDir(inst.home()).filePath("pas-un-dossier");
+    {
+        QFile f(broken.invoiceFolder);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    }
+    QString message;
+    std::vector<QString> written;
+    try {
+        invoiceCompetition(s, kLeague06, broken, index, {euros("10"), euros("2,50")}, inst.today());
+        ADD_FAILURE() << "the run should have stopped";
+    } catch (const InterruptedRun& e) {
+        message = e.message();
+        written = e.outcome().numbers;
+    }
+    ASSERT_FALSE(written.empty());
+    EXPECT_TRUE(message.startsWith("La génération des factures s'est arrêtée : "))
+        << qPrintable(message);
+    EXPECT_TRUE(message.contains(QStringLiteral("%1 facture(s) enregistrée(s) avant l'arrêt (N° "
+                                                "2026000006")
+                                     .arg(written.size())))
+        << qPrintable(message);
+    EXPECT_TRUE(message.contains("dont 0 avec leur document")) << qPrintable(message);
+    EXPECT_TRUE(message.contains("seront faits par la prochaine génération"))
+        << qPrintable(message);
+    // Nothing is marked printed without its document; the rows keep their
+    // invoices, and the data check names them.
+    for (const QString& n : written) {
+        EXPECT_EQ(header(s, n, "ent_fact_edt"), "N") << qPrintable(n);
+        EXPECT_EQ(s.scalar("SELECT c_facture FROM strcompetition WHERE c_num_facture = ?", {n})
+                      .toString(),
+                  "A");
+    }
+    const tools::DataCheckReport check = tools::checkData(s, settings.invoiceFolder);
+    EXPECT_EQ(check.findingsOf(tools::check::kRowsLeftWritten).size(), written.size());
+    EXPECT_TRUE(check.findingsOf(tools::check::kPrintedWithoutFile).isEmpty());
+
+    // The next opening finishes them: documents made, rows final, once.
+    const FinishedRows finished = finishInterruptedRows(s, settings);
+    EXPECT_EQ(finished.numbers, written);
+    EXPECT_TRUE(finished.report().contains("terminées")) << qPrintable(finished.report());
+    for (const QString& n : written) {
+        EXPECT_EQ(header(s, n, "ent_fact_edt"), "O");
+        EXPECT_EQ(s.scalar("SELECT c_facture FROM strcompetition WHERE c_num_facture = ?", {n})
+                      .toString(),
+                  "F");
+    }
+    EXPECT_TRUE(tools::checkData(s, settings.invoiceFolder)
+                    .findingsOf(tools::check::kRowsLeftWritten)
+                    .isEmpty());
+    EXPECT_TRUE(finishInterruptedRows(s, settings).empty());
+    // A file removed since is named by the check.
+    QFile::remove(invoicing::invoicePdfPath(settings.invoiceFolder, "CL06001", "", written[0]));
+    EXPECT_EQ(tools::checkData(s, settings.invoiceFolder)
+                  .findingsOf(tools::check::kPrintedWithoutFile)
+                  .size(),
+              1);
 }

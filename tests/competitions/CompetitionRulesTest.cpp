@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <QDateTime>
+#include <QSysInfo>
 #include <functional>
 
 #include "competitions/CompetitionCalculation.h"
 #include "competitions/CompetitionRegister.h"
+#include "competitions/InvoicingRuns.h"
 #include "competitions/PseudoCompetitions.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
@@ -285,7 +288,7 @@ TEST(CompetitionRegister, CardChecksAndCountsRefuseBadInput) {
     EXPECT_TRUE(rows(s, r.index).contains(aix + "|CL13002 - Les Quilles d'Aix| |7/0/0"));
 }
 
-TEST(CompetitionRegister, OpeningResetsUnfinishedRowsEverywhere) {
+TEST(CompetitionRegister, OpeningReleasesCalculatedRowsButNotThoseOfARunOrWithAnInvoice) {
     test::TestInstall inst;
     auto session = inst.start();
     store::Store& s = session->store();
@@ -294,10 +297,39 @@ TEST(CompetitionRegister, OpeningResetsUnfinishedRowsEverywhere) {
         "UPDATE strcompetition SET c_facture = 'A', c_num_facture = '9' WHERE c_index = "
         "'FD700009'");
     s.exec("UPDATE strcompetition SET c_facture = 'F' WHERE c_index = 'FD700003'");
-    EXPECT_EQ(resetUnfinishedRows(s), 3);
-    EXPECT_EQ(column(s, "FD700002", "c_facture"), " ");
-    EXPECT_EQ(column(s, "FD700009", "c_facture"), " ");
-    // The invoice written stays known by its number.
+    const QString running = column(s, "FD700016", "index_reference").trimmed();
+    ASSERT_NE(running, column(s, "FD700002", "index_reference").trimmed());
+    // A run killed on another competition long ago, one of a process of this
+    // workstation that is gone: neither holds anything.
+    s.insert("strtraitement",
+             {{"tr_portee", "competition:" + column(s, "FD700002", "index_reference").trimmed()},
+              {"tr_jeton", "vieux"},
+              {"tr_poste", "ailleurs"},
+              {"tr_signe", QDateTime::currentSecsSinceEpoch() - 3600}});
+    s.insert("strtraitement", {{"tr_portee", "competition:FD700001"},
+                               {"tr_jeton", "mort"},
+                               {"tr_poste", QSysInfo::machineHostName()},
+                               {"tr_processus", 4194300},
+                               {"tr_signe", QDateTime::currentSecsSinceEpoch()}});
+    {
+        RunLease lease(s, RunScope::competition(running), "gestu");
+        const std::string held = "est en cours de facturation par gestu";
+        EXPECT_NE(
+            refusal([&] { RunLease again(s, RunScope::competition(running), "CD13"); }).find(held),
+            std::string::npos);
+        EXPECT_NE(refusal([&] {
+                      calculateCompetition(s, {"gestu", "JKV", "D1"}, running, "CDCNH", false);
+                  }).find(held),
+                  std::string::npos);
+        EXPECT_EQ(releaseCalculatedRows(s), 1);
+        EXPECT_EQ(column(s, "FD700002", "c_facture"), " ");
+        EXPECT_EQ(column(s, "FD700016", "c_facture"), "C");  // the run's own
+    }
+    // The run over, its rows are released like any others.
+    EXPECT_EQ(releaseCalculatedRows(s), 1);
+    EXPECT_EQ(column(s, "FD700016", "c_facture"), " ");
+    // A row with an invoice keeps it, whatever opens.
+    EXPECT_EQ(column(s, "FD700009", "c_facture"), "A");
     EXPECT_EQ(column(s, "FD700009", "c_num_facture"), "9");
     EXPECT_EQ(column(s, "FD700003", "c_facture"), "F");
     EXPECT_EQ(column(s, "FD700001", "c_facture"), "G");

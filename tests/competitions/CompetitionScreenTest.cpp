@@ -91,10 +91,15 @@ TEST(CompetitionScreen, CardMirrorsItsChoicesAndTheSeasonChooserListsTheSeason) 
               session->store().scalar("SELECT COUNT(*) FROM strregion").toInt());
     app::ScriptedDialogs dialogs;
     Window w(*session, dialogs);
+    // Calculated rows go back; a row with an invoice never does.
     EXPECT_EQ(session->store()
-                  .scalar("SELECT COUNT(*) FROM strcompetition WHERE c_facture IN ('C', 'A')")
+                  .scalar("SELECT COUNT(*) FROM strcompetition WHERE c_facture = 'C'")
                   .toInt(),
               0);
+    EXPECT_EQ(session->store()
+                  .scalar("SELECT COUNT(*) FROM strcompetition WHERE c_facture = 'A'")
+                  .toInt(),
+              session->store().scalar("SELECT COUNT(*) FROM strregion").toInt() - 1);
 
     auto* seasons = child<QComboBox>(&w.screen, "cbo_saison");
     EXPECT_EQ(seasons->itemText(0), "2013");

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "competitions/CompetitionRegister.h"
+#include "competitions/InvoicingRuns.h"
 #include "competitions/NationalInvoicing.h"
 #include "invoicing/DocumentSettings.h"
 #include "invoicing/InvoiceRecords.h"
@@ -188,8 +189,8 @@ TEST(NationalInvoicing, MarksOfBothKindsAndTheLimitsOfSeason2018) {
     EXPECT_EQ(refusal([&] { planBatch(s, BatchKind::Private, "2020"); }),
               "Aucune facture à émettre.");
 
-    // Reopening a window puts every unfinished row back.
-    resetUnfinishedRows(s);
+    // Reopening a window puts every calculated row back.
+    releaseCalculatedRows(s);
     EXPECT_TRUE(marked(s, BatchKind::Private, "2018").isEmpty());
 }
 
@@ -357,12 +358,13 @@ TEST(NationalInvoicing, PrivateInvoicedWithTheCentresInvoicingAddress) {
     EXPECT_EQ(rowValue(s, "7PR00004", "c_facture"), " ");
 
     // A run killed between an invoice and its row left the invoice whole and
-    // the row "C": the next run takes that invoice over, writing none again.
+    // the row "C": the next run gives that invoice back to it, writing none again.
     s.update("strcompetition", {{"c_facture", kCalculatedState}, {"c_num_facture", QVariant()}},
              "c_index = ?", {"7PR00002"});
     const InvoicingOutcome again = invoiceBatch(s, settings, BatchKind::Private, "2027",
                                                 {{}, {}, euros("2,00")}, inst.today());
-    EXPECT_EQ(again.numbers, std::vector<QString>{"2026000007"});
+    EXPECT_TRUE(again.numbers.empty());
+    EXPECT_EQ(again.finished, std::vector<QString>{"2026000007"});
     EXPECT_EQ(invoiceCount(s), before + 3);
     EXPECT_EQ(rowValue(s, "7PR00002", "c_facture"), "F");
     EXPECT_EQ(rowValue(s, "7PR00002", "c_num_facture"), "2026000007");

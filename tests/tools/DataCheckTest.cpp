@@ -29,7 +29,7 @@ TEST(DataCheck, TheDemoIsCleanAndStaysSoThroughTheSeasonTools) {
     const DataCheckReport report = checkData(s);
     expectClean(report);
     // Every check is listed with its count, found something or not.
-    EXPECT_EQ(report.checks.size(), 14u);
+    EXPECT_EQ(report.checks.size(), 16u);
     EXPECT_EQ(report.lines().first(), check::kUnknownCompetition + " : 0");
 
     // What the tools themselves write is no fault: a new season's
@@ -123,6 +123,10 @@ TEST(DataCheck, FindsEachPlantedFaultWhereItBelongsAndWritesNothing) {
                                {"ORVE_TODAY=21/11/2026"}),
               1)
         << err.toStdString();
-    EXPECT_TRUE(out.startsWith("Vérification des données : 15 anomalies\n")) << out.toStdString();
+    // The planted invoices say they are printed, and none has its document.
+    EXPECT_TRUE(out.startsWith("Vérification des données : 22 anomalies\n")) << out.toStdString();
+    EXPECT_TRUE(out.contains(check::kPrintedWithoutFile +
+                             " : 7\n    facture 02026000003 (Bowling Club Phocéen)\n"))
+        << out.toStdString();
     EXPECT_TRUE(out.contains("    club CL99001 (Club Fantôme) : département 099\n"));
 }

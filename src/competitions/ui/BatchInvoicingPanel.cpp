@@ -140,9 +140,9 @@ BatchInvoicingPanel::BatchInvoicingPanel(app::Session& session, app::Dialogs& di
     connect(invoice, &QPushButton::clicked, this, &BatchInvoicingPanel::invoice);
     connect(invoiceImage, &QToolButton::clicked, this, &BatchInvoicingPanel::invoice);
 
-    // Rows calculated or written but never printed do not outlive a use of
-    // the window.
-    app::guarded(m_dialogs, [&] { resetUnfinishedRows(m_session.store()); });
+    // Rows calculated but not invoiced do not outlive a use of the window;
+    // what an interrupted run left is finished.
+    resumeInterruptedWork(m_session, m_dialogs);
     listOpenRows();
 }
 
@@ -219,7 +219,8 @@ void BatchInvoicingPanel::generate() {
                 progress.setLabelText(QStringLiteral("Facture %1 sur %2").arg(done).arg(total));
                 progress.setValue(done);
                 return !progress.wasCanceled();
-            });
+            },
+            reference::Viewer::of(m_session).login);
     });
     progress.reset();
     stopInvoicing();

@@ -4,7 +4,9 @@
 #include <QPrinterInfo>
 #include <QStringList>
 
+#include "app/Session.h"
 #include "app/ui/ScreenSupport.h"
+#include "competitions/InvoicingRuns.h"
 #include "invoicing/InvoiceDocument.h"
 #include "invoicing/PrinterLookup.h"
 #include "invoicing/ui/InvoiceOutput.h"
@@ -24,14 +26,30 @@ QString generationMessage(const InvoicingOutcome& outcome, const QString& invoic
     const QString where = QDir::toNativeSeparators(invoiceFolder);
     const int made = static_cast<int>(outcome.numbers.size());
     QString text = outcome.cancelled ? QStringLiteral("Génération interrompue. ") : QString();
-    if (made == 0) return text + QStringLiteral("Aucune facture n'a été générée.");
+    if (made == 0) {
+        text += QStringLiteral("Aucune facture n'a été générée.");
+        if (const QString notes = outcomeNotes(outcome); !notes.isEmpty())
+            text += QChar('\n') + notes;
+        return text;
+    }
     text += made == 1 ? QStringLiteral("Facture générée : 1 (N° %1).").arg(outcome.numbers.front())
                       : QStringLiteral("Factures générées : %1 (N° %2 à %3).")
                             .arg(made)
                             .arg(outcome.numbers.front(), outcome.numbers.back());
-    return text + QStringLiteral("\nDocuments (%1) dans le dossier : %2")
-                      .arg(outcome.files.size())
-                      .arg(where);
+    text += QStringLiteral("\nDocuments (%1) dans le dossier : %2")
+                .arg(outcome.files.size())
+                .arg(where);
+    if (const QString notes = outcomeNotes(outcome); !notes.isEmpty()) text += QChar('\n') + notes;
+    return text;
+}
+
+void resumeInterruptedWork(app::Session& session, app::Dialogs& dialogs) {
+    FinishedRows finished;
+    app::guarded(dialogs, [&] {
+        releaseCalculatedRows(session.store());
+        finished = finishInterruptedRows(session.store(), invoicing::documentSettings(session));
+    });
+    if (!finished.empty()) dialogs.inform(finished.report());
 }
 
 void printGenerated(const store::Store& store, app::Dialogs& dialogs,

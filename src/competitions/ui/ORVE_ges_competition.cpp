@@ -155,10 +155,10 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
     connect(m_entryPrice, &PriceFrame::confirmed, this, &ORVE_ges_competition::entryPriceConfirmed);
     connect(m_linePrice, &PriceFrame::confirmed, this, &ORVE_ges_competition::linePriceConfirmed);
 
+    // Rows calculated but not invoiced do not outlive a use of the window;
+    // what an interrupted run left is finished.
+    resumeInterruptedWork(m_session, m_dialogs);
     app::guarded(m_dialogs, [&] {
-        // Rows calculated or written but never printed do not outlive a use
-        // of the window.
-        resetUnfinishedRows(m_session.store());
         app::ListItems natures;
         for (const auto& row : reference::natures::list(m_session.store())) {
             const auto n = reference::natures::fromRow(row);
@@ -292,7 +292,7 @@ void ORVE_ges_competition::validateCompetition() {
 }
 
 void ORVE_ges_competition::cancelEntry() {
-    app::guarded(m_dialogs, [&] { resetUnfinishedRows(m_session.store()); });
+    resumeInterruptedWork(m_session, m_dialogs);
     m_adding = m_modifying = false;
     listCompetitions();
     clearCompetition();

@@ -65,7 +65,7 @@ void runCheck(app::Session& session, QWidget* parent) {
     DataCheckReport report;
     {
         Busy busy;
-        report = checkData(session.store());
+        report = checkData(session.store(), session.invoiceFolder());
     }
     showReport(QStringLiteral("Vérification des données"), report.summary(), report.lines(),
                parent);
