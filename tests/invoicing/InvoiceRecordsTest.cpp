@@ -50,7 +50,8 @@ TEST(InvoiceRecords, NumberingTakesTheHighestNumberByValue) {
     const auto header = s.selectOne("SELECT * FROM strentete WHERE ent_fact_no = '1'");
     ASSERT_TRUE(header);
     EXPECT_EQ(header->value("ent_fact_type").toString(), "F");
-    EXPECT_EQ(header->value("ent_fact_edt").toString(), "O");
+    // Marked printed only once its document is on disk.
+    EXPECT_EQ(header->value("ent_fact_edt").toString(), "N");
     EXPECT_EQ(header->value("ent_envoi_mail").toString(), "N");
     EXPECT_EQ(header->value("ent_compta").toString(), "N");
     EXPECT_EQ(header->value("ent_fact_entite").toString(), " ");
