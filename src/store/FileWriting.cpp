@@ -20,12 +20,12 @@ namespace {
 // the room is often told as a plain I/O error).
 constexpr qint64 kNearlyFull = 1024 * 1024;
 
-bool nearlyFull(const QString& path) {
-    const QStorageInfo disk(QFileInfo(path).absolutePath());
+}  // namespace
+
+bool diskNearlyFull(const QString& folder) {
+    const QStorageInfo disk(folder);
     return disk.isValid() && disk.bytesAvailable() >= 0 && disk.bytesAvailable() < kNearlyFull;
 }
-
-}  // namespace
 
 bool isDiskFull(int error) {
 #ifdef EDQUOT
@@ -68,7 +68,8 @@ QString writeCause(int error) {
 
 FileWriteError writeFailure(const QString& path, int error, const QString& what) {
     const QString file = QDir::toNativeSeparators(path);
-    if (isDiskFull(error) || ((error <= 0 || error == EIO) && nearlyFull(path)))
+    if (isDiskFull(error) ||
+        ((error <= 0 || error == EIO) && diskNearlyFull(QFileInfo(path).absolutePath())))
         return FileWriteError(
             QStringLiteral("Disque plein : impossible d'écrire %1 %2.").arg(what, file), true);
     QString cause;

@@ -25,6 +25,8 @@ class FileWriteError : public StoreError {
     bool m_diskFull;
 };
 
+// Less than a megabyte left on the disk that holds `folder`.
+bool diskNearlyFull(const QString& folder);
 // ENOSPC, EDQUOT, EFBIG: no room left for the file.
 bool isDiskFull(int error);
 // The cause of a failed write, from the system's error number.
