@@ -6,8 +6,8 @@
 #include <QHash>
 #include <QRandomGenerator>
 #include <QSet>
-#include <QSettings>
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 #if defined(Q_OS_UNIX)
@@ -17,8 +17,10 @@
 #include "accounting/AccountingConstants.h"
 #include "accounting/ReportSql.h"
 #include "invoicing/InvoiceRecords.h"
+#include "store/FileWriting.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
+#include "store/Settings.h"
 
 namespace orve::accounting {
 
@@ -90,7 +92,7 @@ std::filesystem::path fsPath(const QString& p) {
 bool replaceFile(const QString& from, const QString& to, QString* error) {
     std::error_code ec;
     std::filesystem::rename(fsPath(from), fsPath(to), ec);
-    if (ec && error) *error = QString::fromLocal8Bit(ec.message().c_str());
+    if (ec && error) *error = store::writeCause(ec.value());
     return !ec;
 }
 
@@ -102,7 +104,10 @@ bool isTemporaryName(const QString& name) {
 // The temporary file of a run: removed unless the run commits its marks.
 class TemporaryFile {
   public:
-    explicit TemporaryFile(QString path) : m_path(std::move(path)) {}
+    // `finalPath`: the name the file takes once the marks are committed, the
+    // one a message names.
+    TemporaryFile(QString path, QString finalPath)
+        : m_path(std::move(path)), m_finalPath(std::move(finalPath)) {}
     ~TemporaryFile() {
         if (!m_kept) QFile::remove(m_path);
     }
@@ -110,25 +115,20 @@ class TemporaryFile {
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     void write(const QByteArray& bytes) {
+        const QString what = QStringLiteral("le fichier de transfert");
         QFile file(m_path);
+        errno = 0;
         if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-            throw StoreError(QStringLiteral("Impossible d'écrire le fichier de transfert %1 : %2")
-                                 .arg(path(m_path), file.errorString()));
-        const bool written = file.write(bytes) == bytes.size() && file.flush();
-#if defined(Q_OS_UNIX)
+            throw store::writeFailure(m_finalPath, errno, what);
         // On the disk before the marks are committed.
-        const bool synced = written && ::fsync(file.handle()) == 0;
-#else
-        const bool synced = written;
-#endif
-        if (!synced)
-            throw StoreError(QStringLiteral("Impossible d'écrire le fichier de transfert %1 : %2")
-                                 .arg(path(m_path), file.errorString()));
+        if (const int error = store::writeAndSync(file, bytes))
+            throw store::writeFailure(m_finalPath, error, what);
     }
     void keep() { m_kept = true; }
 
   private:
     QString m_path;
+    QString m_finalPath;
     bool m_kept = false;
 };
 
@@ -366,7 +366,7 @@ TransferResult writeTransfer(store::Store& store, const QString& folder, Transfe
     const QString temporaryName = QFileInfo(finalPath).fileName() + QChar('.') +
                                   QString::number(QRandomGenerator::global()->generate(), 16) +
                                   kTransferTemporarySuffix;
-    TemporaryFile temporary(dir.filePath(temporaryName));
+    TemporaryFile temporary(dir.filePath(temporaryName), finalPath);
     temporary.write(content.bytes);
     checkpoint(TransferStage::FileWritten);
 
@@ -600,8 +600,7 @@ CancelResult cancelTransfer(store::Store& store, const QString& file,
 }
 
 QString supportContact(const QString& settingsPath) {
-    const QSettings ini(settingsPath, QSettings::IniFormat);
-    const QString contact = ini.value(QStringLiteral("support/contact")).toString().trimmed();
+    const QString contact = store::Settings(settingsPath).text(QStringLiteral("support/contact"));
     return contact.isEmpty() ? kDefaultSupportContact : contact;
 }
 

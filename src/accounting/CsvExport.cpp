@@ -1,8 +1,8 @@
 #include "accounting/CsvExport.h"
 
 #include <QDir>
-#include <QSaveFile>
 
+#include "store/FileWriting.h"
 #include "store/Formats.h"
 #include "store/Money.h"
 #include "store/Refusal.h"
@@ -14,6 +14,16 @@ namespace {
 const QByteArray kByteOrderMark("\xEF\xBB\xBF");
 const QString kLineEnd = QStringLiteral("\r\n");
 
+// A spreadsheet runs a cell beginning with one of these as a formula (or
+// as a command, through DDE): names and titles typed by clerks or brought by
+// imports must stay text. The apostrophe is the spreadsheets' own "this is text".
+QString textCell(const QString& text) {
+    // A sign alone ("-" for nothing) is no formula and stays as it is.
+    if (text.size() > 1 && QStringView(u"=+-@\t\r").contains(text.front()))
+        return csvField(QChar('\'') + text);
+    return csvField(text);
+}
+
 QString cell(const ReportColumn& column, const QVariant& value) {
     if (value.isNull()) return QString();
     switch (column.kind) {
@@ -21,12 +31,16 @@ QString cell(const ReportColumn& column, const QVariant& value) {
             bool number = false;
             const qlonglong cents = value.toLongLong(&number);
             return number ? format::fileAmount(Money::fromCents(cents))
-                          : csvField(value.toString());
+                          : textCell(value.toString());
         }
-        case ReportColumn::Kind::Number:
-            return value.toString();
+        case ReportColumn::Kind::Number: {
+            const QString text = value.toString();
+            bool number = false;
+            text.toDouble(&number);
+            return number ? text : textCell(text);
+        }
         case ReportColumn::Kind::Text:
-            return csvField(value.toString());
+            return textCell(value.toString());
     }
     return QString();
 }
@@ -80,16 +94,9 @@ QByteArray csvDocument(const std::vector<ReportColumn>& columns, const store::Ro
 }
 
 void writeReportFile(const QString& path, const QByteArray& content) {
-    const QString shown = QDir::toNativeSeparators(path);
     if (path.trimmed().isEmpty())
         throw Refusal(QStringLiteral("Indiquez le fichier à enregistrer."));
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        throw StoreError(QStringLiteral("Impossible d'écrire le fichier %1 : %2")
-                             .arg(shown, file.errorString()));
-    if (file.write(content) != content.size() || !file.commit())
-        throw StoreError(QStringLiteral("Impossible d'écrire le fichier %1 : %2")
-                             .arg(shown, file.errorString()));
+    store::writeWholeFile(path, content);
 }
 
 }  // namespace orve::accounting

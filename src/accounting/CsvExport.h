@@ -22,7 +22,8 @@ struct ReportColumn {
 };
 
 // The whole file: header line, one line per row (amounts in cents written
-// "1234,50", counts as numbers), then the trailer lines (totals), CRLF ends.
+// "1234,50", counts as numbers, text beginning with a formula sign behind an
+// apostrophe), then the trailer lines (totals), CRLF ends.
 QByteArray csvDocument(const std::vector<ReportColumn>& columns, const store::Rows& rows,
                        const std::vector<QStringList>& trailer = {});
 

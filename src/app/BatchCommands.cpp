@@ -6,6 +6,7 @@
 #include "app/SignIn.h"
 #include "app/Startup.h"
 #include "store/Refusal.h"
+#include "store/Settings.h"
 
 namespace orve::app {
 
@@ -23,6 +24,10 @@ BatchContext::BatchContext(QStringList args, QString programFolder, QString asLo
 Session& BatchContext::session() {
     if (!m_session) {
         m_session = m_openSession(m_programFolder, m_clock);
+        // A setting that cannot be used is said once, before the command's output.
+        for (const QString& problem : store::settingsProblems(m_session->settingsPath()))
+            m_err << problem << "\n";
+        m_err.flush();
         if (!m_asLogin.isEmpty()) actAs(*m_session, m_asLogin);
     }
     return *m_session;

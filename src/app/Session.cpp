@@ -1,9 +1,9 @@
 #include "app/Session.h"
 
 #include <QDir>
-#include <QSettings>
 
 #include "store/Seasons.h"
+#include "store/Settings.h"
 
 namespace orve::app {
 
@@ -19,10 +19,9 @@ Session::Session(QString programFolder, QString dataFolder, QString invoiceFolde
 QString Session::settingsPath() const { return QDir(m_programFolder).filePath("orve.ini"); }
 
 int Session::workingSeason() const {
-    const QSettings ini(settingsPath(), QSettings::IniFormat);
+    const store::Settings ini(settingsPath());
     bool ok = false;
-    const int configured =
-        ini.value(QStringLiteral("saison/courante")).toString().trimmed().toInt(&ok);
+    const int configured = ini.text(QStringLiteral("saison/courante")).toInt(&ok);
     if (ok && configured >= store::kFirstSeason && configured < 10000) return configured;
     return store::seasonOf(today());
 }

@@ -264,7 +264,9 @@ QString competitionSortKey(const QString& date) {
 
 QString lineCountText(const QString& typed) {
     const QString t = typed.trimmed();
-    if (!reference::isWholeNumber(t) || t.size() > 9) return QStringLiteral("0");
+    if (t.isEmpty()) return QStringLiteral("0");
+    // Anything but digits stays as typed, for the card's check to name it.
+    if (!reference::isWholeNumber(t) || t.size() > 9) return t;
     return QString::number(t.toLongLong());
 }
 
@@ -335,6 +337,16 @@ void checkCompetition(const CompetitionRecord& record) {
         throw Refusal(QStringLiteral("code formule obligatoire"));
     if (competitionSortKey(record.date).isEmpty())
         throw Refusal(QStringLiteral("Date compétition obligatoire"));
+    // "trois" lines per player is no count to bill: it is not read as 0.
+    for (const auto& [caption, count] :
+         {std::pair{QStringLiteral("Eliminatoires : Nombre de lignes par joueur"),
+                    record.eliminatoryLines},
+          std::pair{QStringLiteral("Finales : Nombre de lignes par joueur"), record.finalLines}}) {
+        reference::requireDigits(caption, count);
+        if (count.trimmed().size() > 9)
+            throw Refusal(QStringLiteral("Le champ « %1 » est trop grand : « %2 ».")
+                              .arg(caption, format::echoed(count.trimmed())));
+    }
 }
 
 ValidationOutcome saveCompetition(Store& store, const reference::Viewer& viewer,

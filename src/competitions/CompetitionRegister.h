@@ -46,7 +46,8 @@ struct CompetitionRecord {
 
 // "12/03/2027" gives "20270312"; an invalid date gives "".
 QString competitionSortKey(const QString& date);
-// A line count as stored: its digits, or "0" when it is not a whole number.
+// A line count as shown once typed: its number ("007" is "7"), "0" when
+// blank, anything else as typed (refused when the card is saved).
 QString lineCountText(const QString& typed);
 
 // The masters of a season, by key, as DBGrid1 lists them.

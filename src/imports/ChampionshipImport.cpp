@@ -67,7 +67,7 @@ void ChampionshipImport::check(const ImportFile& file, const ImportProgress& pro
         if (progress && line.number % 1000 == 0 && !progress(line.number, total))
             throw Refusal(kImportCancelled);
         ++m_report.read;
-        if (const QString why = unreadableLine(line.text); !why.isEmpty()) {
+        if (const QString why = unreadableLine(line); !why.isEmpty()) {
             m_report.skip(line, why);
             previous.clear();
             continue;

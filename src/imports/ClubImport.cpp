@@ -70,7 +70,7 @@ void ClubImport::check(const ImportFile& file, const ImportProgress& progress) {
             throw Refusal(kImportCancelled);
         if (line.number == 1) continue;  // the header
         ++m_report.read;
-        if (const QString why = unreadableLine(line.text); !why.isEmpty()) {
+        if (const QString why = unreadableLine(line); !why.isEmpty()) {
             m_report.skip(line, why);
             continue;
         }

@@ -77,7 +77,7 @@ ImportReport DepartmentImport::apply(const ImportProgress& progress) {
         if (progress && number % 1000 == 0 && !progress(number, lines))
             throw Refusal(kImportCancelled);
         ++report.read;
-        if (const QString why = unreadableLine(line.text); !why.isEmpty()) {
+        if (const QString why = unreadableLine(line); !why.isEmpty()) {
             report.skip(line, why);
             continue;
         }

@@ -6,6 +6,7 @@
 
 #include "store/Formats.h"
 #include "store/Refusal.h"
+#include "store/TextCodec.h"
 
 namespace orve::imports {
 
@@ -14,13 +15,6 @@ namespace {
 // Larger than any file the federation sends by far; reading more would only
 // fill the memory of the workstation.
 constexpr qint64 kLargestFile = 512LL * 1024 * 1024;
-
-// Characters 0x80 to 0x9F of Windows-1252; the rest of the code page is Latin-1.
-// The five codes the page leaves undefined keep their own value, as Windows does.
-constexpr char16_t kHighControls[32] = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 QString unquoted(QStringView field) {
     const QStringView t = field.trimmed();
@@ -54,16 +48,6 @@ qsizetype fieldEnd(const QString& text, qsizetype from) {
 
 }  // namespace
 
-QString fromWindows1252(const QByteArray& bytes) {
-    QString out(bytes.size(), Qt::Uninitialized);
-    QChar* d = out.data();
-    for (qsizetype i = 0; i < bytes.size(); ++i) {
-        const auto b = static_cast<unsigned char>(bytes[i]);
-        d[i] = (b >= 0x80 && b < 0xA0) ? QChar(kHighControls[b - 0x80]) : QChar(b);
-    }
-    return out;
-}
-
 ImportFile ImportFile::read(const QString& path) {
     const QString shown = format::echoed(QDir::toNativeSeparators(path));
     if (path.trimmed().isEmpty())
@@ -87,28 +71,54 @@ ImportFile ImportFile::read(const QString& path) {
     return fromBytes(bytes, path);
 }
 
+namespace {
+
+// Whether the bytes hold at least one well-formed UTF-8 sequence of two bytes
+// or more: accented letters written by a UTF-8 editor. Windows-1252 text
+// almost never has one (it would take "Ã©"-like pairs typed on purpose).
+bool hasMultiByteUtf8(const QByteArray& bytes) {
+    const auto* p = reinterpret_cast<const unsigned char*>(bytes.constData());
+    const qsizetype n = bytes.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        const unsigned char b = p[i];
+        const int follow = b >= 0xC2 && b <= 0xDF   ? 1
+                           : b >= 0xE0 && b <= 0xEF ? 2
+                           : b >= 0xF0 && b <= 0xF4 ? 3
+                                                    : 0;
+        if (follow == 0 || i + follow >= n) continue;
+        if (isValidUtf8(bytes.mid(i, follow + 1))) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
 ImportFile ImportFile::fromBytes(const QByteArray& bytes, const QString& path) {
     ImportFile f;
     f.m_path = path;
-    QString text;
-    if (bytes.startsWith("\xEF\xBB\xBF")) {
-        f.m_encoding = TextEncoding::Utf8WithBom;
-        text = QString::fromUtf8(bytes.constData() + 3, bytes.size() - 3);
-    } else {
-        QStringDecoder utf8(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
-        text = utf8.decode(bytes);
-        if (utf8.hasError()) {
-            // Accented letters of a Windows file are not valid UTF-8.
-            f.m_encoding = TextEncoding::Windows1252;
-            text = fromWindows1252(bytes);
-        }
-    }
-    const QStringList lines = text.split('\n');
-    f.m_lines.reserve(lines.size());
-    for (qsizetype i = 0; i < lines.size(); ++i) {
-        QString line = lines[i];
+    const bool bom = bytes.startsWith("\xEF\xBB\xBF");
+    const QByteArray body = bom ? bytes.mid(3) : bytes;
+    const bool valid = isValidUtf8(body);
+    f.m_encoding = bom                               ? TextEncoding::Utf8WithBom
+                   : valid || hasMultiByteUtf8(body) ? TextEncoding::Utf8
+                                                     // Accented letters of a Windows file
+                                                     // are not valid UTF-8.
+                                                     : TextEncoding::Windows1252;
+    const QList<QByteArray> raw = body.split('\n');
+    f.m_lines.reserve(raw.size());
+    for (qsizetype i = 0; i < raw.size(); ++i) {
+        QByteArray line = raw[i];
         if (line.endsWith('\r')) line.chop(1);
-        f.m_lines.push_back({static_cast<int>(i + 1), line});
+        Line l{static_cast<int>(i + 1), {}};
+        if (f.m_encoding == TextEncoding::Windows1252) {
+            l.text = fromWindows1252(line);
+        } else {
+            l.text = QString::fromUtf8(line);
+            // A UTF-8 file damaged here and there: the damaged lines are named
+            // rather than the whole file read in another code page.
+            l.invalid = !valid && !isValidUtf8(line);
+        }
+        f.m_lines.push_back(std::move(l));
     }
     // The last line ends with its line break, or the file ends with blank lines.
     while (!f.m_lines.empty() && f.m_lines.back().text.trimmed().isEmpty()) f.m_lines.pop_back();

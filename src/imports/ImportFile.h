@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <vector>
 
+#include "store/TextCodec.h"
+
 namespace orve::imports {
 
 // How the bytes of a file were read as text.
@@ -12,13 +14,16 @@ enum class TextEncoding { Utf8, Utf8WithBom, Windows1252 };
 
 // A semicolon-separated file from the federation, read whole: its lines as
 // text, whatever the machine that wrote it. The encoding is found per file
-// (a UTF-8 byte order mark, else bytes that are valid UTF-8, else
-// Windows-1252); lines end with CRLF or LF; a blank last line is not a line.
+// (a UTF-8 byte order mark, else bytes that are valid UTF-8 or hold UTF-8
+// letters, else Windows-1252); lines end with CRLF or LF; a blank last line is not a line.
 class ImportFile {
   public:
     struct Line {
         int number;  // from 1, as an editor counts
         QString text;
+        // Not valid in the encoding the file is read in (bytes that are not
+        // UTF-8 in a UTF-8 file): its text is not what the sender wrote.
+        bool invalid = false;
     };
 
     // Throws Refusal naming the file when it cannot be read.
@@ -45,7 +50,7 @@ class ImportFile {
     std::vector<Line> m_lines;
 };
 
-// Windows-1252 bytes as text (the code page of files saved on Windows).
-QString fromWindows1252(const QByteArray& bytes);
+using store::fromWindows1252;
+using store::isValidUtf8;
 
 }  // namespace orve::imports

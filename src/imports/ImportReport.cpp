@@ -64,6 +64,14 @@ QString unreadableLine(const QString& text) {
     return {};
 }
 
+QString unreadableLine(const ImportFile::Line& line) {
+    if (line.invalid)
+        return QStringLiteral(
+            "caractères non valides en UTF-8 (octets illisibles) : ligne à "
+            "corriger dans le fichier");
+    return unreadableLine(line.text);
+}
+
 int fieldNumber(const QString& field, int largest) {
     if (field.isEmpty() || field.size() > 9) return -1;
     for (const QChar c : field)

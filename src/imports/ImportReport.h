@@ -63,6 +63,8 @@ class ImportReport {
 // Why a line cannot make any record whatever its fields: blank, or holding
 // control characters (a binary file); empty when it can be read.
 QString unreadableLine(const QString& text);
+// The same for a line of a file, which may also not be valid in its encoding.
+QString unreadableLine(const ImportFile::Line& line);
 
 // The value of a field made of digits only, at most `largest`; -1 otherwise.
 int fieldNumber(const QString& field, int largest);

@@ -1,46 +1,37 @@
 #include "invoicing/DocumentSettings.h"
 
 #include <QDir>
-#include <QFileInfo>
-#include <QSettings>
+#include <QImageReader>
 #include <QStringList>
 
 #include "app/Session.h"
+#include "store/Settings.h"
 
 namespace orve::invoicing {
 
 Letterhead Letterhead::fromSettings(const QString& iniPath) {
     Letterhead l;
-    QSettings ini(iniPath, QSettings::IniFormat);
-    ini.beginGroup(QStringLiteral("federation"));
-    l.name = ini.value("nom", l.name).toString();
-    l.address = ini.value("adresse").toString();
-    l.telephone = ini.value("telephone").toString();
-    l.fax = ini.value("fax").toString();
-    l.registration = ini.value("siret").toString();
-    l.bank = ini.value("banque").toString();
-    l.iban = ini.value("iban").toString();
-    l.bic = ini.value("bic").toString();
-    l.paymentOrder = ini.value("ordre_reglement", l.paymentOrder).toString().trimmed();
-    l.transferNotice = ini.value("avis_virement", l.transferNotice).toString().trimmed();
-    // A logo file named relative to the program folder.
-    const QString logo = ini.value("logo").toString().trimmed();
-    if (!logo.isEmpty())
-        l.logo = logo.startsWith(QChar(':'))
-                     ? logo
-                     : QDir(QFileInfo(iniPath).absolutePath())
-                           .absoluteFilePath(QDir::fromNativeSeparators(logo));
-    ini.endGroup();
+    const store::Settings ini(iniPath);
+    l.name = ini.text("federation/nom", l.name);
+    l.address = ini.text("federation/adresse");
+    l.telephone = ini.text("federation/telephone");
+    l.fax = ini.text("federation/fax");
+    l.registration = ini.text("federation/siret");
+    l.bank = ini.text("federation/banque");
+    l.iban = ini.text("federation/iban");
+    l.bic = ini.text("federation/bic");
+    l.paymentOrder = ini.text("federation/ordre_reglement", l.paymentOrder);
+    l.transferNotice = ini.text("federation/avis_virement", l.transferNotice);
+    // A logo file named relative to the program folder. One that cannot be
+    // found or read is named at start-up; the documents keep the program's own.
+    const QString logo = store::settingFile(iniPath, ini.text("federation/logo"));
+    if (!logo.isEmpty() && QImageReader(logo).canRead()) l.logo = logo;
     // Set to nothing ("tva=") an installation prints no mention at all.
-    ini.beginGroup(QStringLiteral("mentions"));
-    l.vatMention = ini.value("tva", l.vatMention).toString().trimmed();
-    l.latePenalties = ini.value("penalites").toString().trimmed();
-    l.recoveryFee = ini.value("indemnite").toString().trimmed();
-    ini.endGroup();
-    ini.beginGroup(QStringLiteral("documents"));
-    l.printer = ini.value("imprimante").toString().trimmed();
-    l.openPdf = ini.value("ouvrir_pdf", false).toBool();
-    ini.endGroup();
+    l.vatMention = ini.text("mentions/tva", l.vatMention);
+    l.latePenalties = ini.text("mentions/penalites");
+    l.recoveryFee = ini.text("mentions/indemnite");
+    l.printer = ini.text("documents/imprimante");
+    l.openPdf = store::settingFlag(ini.text("documents/ouvrir_pdf")).value_or(false);
     return l;
 }
 

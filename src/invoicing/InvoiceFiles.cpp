@@ -10,7 +10,6 @@
 #include <QPdfWriter>
 #include <QRandomGenerator>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QThread>
 #include <QThreadPool>
 #include <algorithm>
@@ -22,6 +21,7 @@
 #include "invoicing/InvoiceDocument.h"
 #include "invoicing/InvoiceLayout.h"
 #include "store/FileNames.h"
+#include "store/FileWriting.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 
@@ -39,53 +39,7 @@ namespace {
 // run that was killed, never to one still writing.
 constexpr qint64 kLeftoverAgeSeconds = 10 * 60;
 
-bool diskFull(int error) {
-#ifdef EDQUOT
-    if (error == EDQUOT) return true;
-#endif
-    return error == ENOSPC || error == EFBIG;
-}
-
-// Why a file could not be written, in the operator's words.
-QString causeOf(int error) {
-    switch (error) {
-        case EACCES:
-        case EPERM:
-            return QStringLiteral("accès refusé");
-        case EROFS:
-            return QStringLiteral("le disque est en lecture seule");
-        case ENOENT:
-        case ENOTDIR:
-            return QStringLiteral("dossier introuvable");
-        case EISDIR:
-            return QStringLiteral("un dossier porte ce nom");
-        case EIO:
-            return QStringLiteral("erreur d'entrée-sortie sur le disque");
-        case ENAMETOOLONG:
-            return QStringLiteral("nom de fichier trop long");
-        case EMFILE:
-        case ENFILE:
-            return QStringLiteral("trop de fichiers ouverts");
-        case EBUSY:
-            return QStringLiteral("fichier occupé par un autre programme");
-        default:
-            return QStringLiteral("erreur système %1 (%2)")
-                .arg(error)
-                .arg(QString::fromLocal8Bit(std::strerror(error)));
-    }
-}
-
-// `error` is the system's error number when one is known, else 0 and Qt's
-// own text stands as the cause.
-StoreError writeFailure(const QString& path, int error, const QString& qtText) {
-    const QString file = QDir::toNativeSeparators(path);
-    if (diskFull(error))
-        return StoreError(
-            QStringLiteral("Disque plein : impossible d'écrire le fichier %1.").arg(file));
-    QString cause = error ? causeOf(error) : qtText;
-    if (!error && QFileInfo::exists(path) && !QFileInfo(path).isWritable()) cause = causeOf(EACCES);
-    return StoreError(QStringLiteral("Impossible d'écrire le fichier %1 : %2").arg(file, cause));
-}
+using store::writeFailure;
 
 // Leftovers of a run killed while writing: QSaveFile's temporaries of our
 // documents ("…_FN_00000058.pdf.Ab12Cd", where the system cannot keep them
@@ -144,31 +98,6 @@ QByteArray renderPdf(const QString& path, const InvoiceDocumentData& doc,
     return bytes;
 }
 
-// Writes and syncs all of `bytes`; returns 0, or the system's error number
-// (-1 where the system gives none).
-int writeAndSync(QSaveFile& file, const QByteArray& bytes) {
-#ifdef Q_OS_UNIX
-    const int fd = file.handle();
-    const char* p = bytes.constData();
-    qint64 left = bytes.size();
-    while (left > 0) {
-        const ssize_t n = ::write(fd, p, static_cast<size_t>(left));
-        if (n < 0) {
-            if (errno == EINTR) continue;
-            return errno;
-        }
-        p += n;
-        left -= n;
-    }
-    // commit() syncs as well, but cannot tell that the disk refused the data;
-    // an invoice is marked printed only once its document is really there.
-    if (::fsync(fd) != 0 && errno != EINVAL) return errno;
-    return 0;
-#else
-    return file.write(bytes) == bytes.size() && file.flush() ? 0 : -1;
-#endif
-}
-
 // Replaces the file at `path` by `bytes`, or throws and leaves it as it was.
 void writeDocument(const QString& path, const QByteArray& bytes) {
     const QString folder = QFileInfo(path).absolutePath();
@@ -176,21 +105,9 @@ void writeDocument(const QString& path, const QByteArray& bytes) {
         throw StoreError(QStringLiteral("Impossible de créer le dossier des factures %1.")
                              .arg(QDir::toNativeSeparators(folder)));
     removeLeftovers(folder);
-
     // Each writer gets a temporary of its own (nameless where the system
-    // allows it); commit() renames it over the older file in one step.
-    QSaveFile file(path);
-    errno = 0;
-    if (!file.open(QIODevice::WriteOnly)) throw writeFailure(path, errno, file.errorString());
-    // QSaveFile gives the new file the mode of the one it replaces, or what
-    // the umask leaves: a document is for its owner only.
-    errno = 0;
-    if (!file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner))
-        throw writeFailure(path, errno, file.errorString());
-    if (const int error = writeAndSync(file, bytes))
-        throw writeFailure(path, error > 0 ? error : 0, file.errorString());
-    errno = 0;
-    if (!file.commit()) throw writeFailure(path, errno, file.errorString());
+    // allows it); it is renamed over the older file in one step.
+    store::writeWholeFile(path, bytes);
 }
 
 #ifdef Q_OS_UNIX
@@ -221,9 +138,9 @@ void writeDocumentUnsynced(const QString& path, const QByteArray& bytes) {
     for (int attempt = 0; fd < 0 && attempt < 8; ++attempt) {
         temporary = target + '.' + temporarySuffix();
         fd = ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-        if (fd < 0 && errno != EEXIST) throw writeFailure(path, errno, QString());
+        if (fd < 0 && errno != EEXIST) throw writeFailure(path, errno);
     }
-    if (fd < 0) throw writeFailure(path, EEXIST, QString());
+    if (fd < 0) throw writeFailure(path, EEXIST);
     const char* p = bytes.constData();
     qint64 left = bytes.size();
     int error = 0;
@@ -241,7 +158,7 @@ void writeDocumentUnsynced(const QString& path, const QByteArray& bytes) {
     if (!error && ::rename(temporary.constData(), target.constData()) != 0) error = errno;
     if (error) {
         ::unlink(temporary.constData());
-        throw writeFailure(path, error, QString());
+        throw writeFailure(path, error);
     }
 #else
     writeDocument(path, bytes);
@@ -259,7 +176,7 @@ void makeDurable(const std::vector<QString>& paths) {
             const int result = ::syncfs(fd);
             const int error = errno;
             ::close(fd);
-            if (result != 0) throw writeFailure(paths.front(), error, QString());
+            if (result != 0) throw writeFailure(paths.front(), error);
             return;
         }
     }
@@ -267,11 +184,11 @@ void makeDurable(const std::vector<QString>& paths) {
     QStringList folders;
     for (const QString& path : paths) {
         const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-        if (fd < 0) throw writeFailure(path, errno, QString());
+        if (fd < 0) throw writeFailure(path, errno);
         const int result = ::fsync(fd);
         const int error = errno;
         ::close(fd);
-        if (result != 0 && error != EINVAL) throw writeFailure(path, error, QString());
+        if (result != 0 && error != EINVAL) throw writeFailure(path, error);
         const QString folder = QFileInfo(path).absolutePath();
         if (!folders.contains(folder)) folders << folder;
     }

@@ -69,6 +69,8 @@ constexpr int kTitleSize = 12, kIssuerSize = 9, kCancelledSize = 11, kClientSize
               kTotalsSize = 12, kTermsSize = 10, kNoticeSize = 8, kSlipSize = 10,
               kFooterNameSize = 14, kFooterSize = 12, kPageNumberSize = 9;
 constexpr int kSmallestSize = 6;
+// Below this a slip line is no longer read: a longer text is cut.
+constexpr int kSmallestSlipSize = 5;
 
 enum class Weight { Normal, Bold };
 
@@ -446,24 +448,31 @@ void paintAddresses(Page& page, const Laid& l) {
 }
 
 // One line of the slip in its box: smaller letters until it fits, then two
-// (or more) smaller lines in the height of one.
+// (or more) smaller lines in the height of one, then, for a text no size
+// can hold, the lines that fit with the last one cut by "…". It never runs
+// into the next line of the slip ("Facture N° : …" must stay readable).
 void slipLine(Page& page, int x, int y, const QString& text, int width,
               Weight weight = Weight::Normal) {
     for (int size = kSlipSize; size >= kSmallestSize; --size) {
         page.font(size, kBlack, weight);
         if (page.width(text) <= width) return page.text(x, y, text);
     }
-    for (int size = kSmallestSize; size >= 3; --size) {
+    for (int size = kSmallestSize; size >= kSmallestSlipSize; --size) {
         page.font(size, kBlack, weight);
-        const QStringList lines = page.wrap(text, width);
-        if (size == 3 || lines.size() * page.lineHeight() <= kSlipStep) {
-            int ly = y;
-            for (const QString& line : lines) {
-                page.text(x, ly, line);
-                ly += page.lineHeight();
-            }
-            return;
+        QStringList lines = page.wrap(text, width);
+        const qsizetype room = std::max(1, kSlipStep / page.lineHeight());
+        if (lines.size() > room && size > kSmallestSlipSize) continue;
+        if (lines.size() > room) {
+            const QString rest = lines[room - 1] + QChar(' ') + lines[room];
+            lines = lines.first(room);
+            lines.last() = page.painter().fontMetrics().elidedText(rest, Qt::ElideRight, width);
         }
+        int ly = y;
+        for (const QString& line : lines) {
+            page.text(x, ly, line);
+            ly += page.lineHeight();
+        }
+        return;
     }
 }
 

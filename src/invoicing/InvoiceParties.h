@@ -31,9 +31,6 @@ namespace orve::invoicing {
 // Which address block of the header a choice fills.
 enum class AddressBlock { Billing, OnBehalfOf };
 
-// The entity code of an address typed by hand.
-inline const QString kOtherEntity = QStringLiteral("AUTRE");
-
 // The lists, without their first item "Choisir". Leagues and committees are
 // listed key first ("LR06 # Ligue …"), filtered as the reference screens
 // filter them for the operator. Clubs, centres and licensees are listed name

@@ -117,6 +117,13 @@ QString nextInvoiceNumber(const Store& store) {
     return QString::number(last + 1);
 }
 
+bool InvoiceParty::hasAddress() const {
+    for (const QString* line :
+         {&name, &president, &address1, &address2, &address3, &address4, &postcodeTown})
+        if (!line->trimmed().isEmpty()) return true;
+    return false;
+}
+
 QDate validateHeader(const InvoiceHeader& header) {
     const QString text = header.dateText.trimmed();
     if (text.isEmpty() || text == format::kEmptyDateMask)
@@ -126,6 +133,9 @@ QDate validateHeader(const InvoiceHeader& header) {
         throw Refusal(QStringLiteral("la date : ") + text + QStringLiteral(" n'est pas valide"));
     if (!header.billed.isChosen())
         throw Refusal(QStringLiteral("veuillez sélectionner un facturé"));
+    // Checked before any number is taken: an invoice to nobody would use one up.
+    if (header.billed.entity.trimmed() == kOtherEntity && !header.billed.hasAddress())
+        throw Refusal(QStringLiteral("Adresse de facturation obligatoire"));
     return *date;
 }
 

@@ -37,6 +37,9 @@ using competitions::kRegionalDayIndex;
 // Name and address of a party as the header keeps it. A party is either a
 // third party with an account (`account`) or a free address known by an
 // entity code (`entity`); the unused one is stored as one blank.
+// The entity code of an address typed by hand.
+inline const QString kOtherEntity = QStringLiteral("AUTRE");
+
 struct InvoiceParty {
     QString account;
     QString entity;
@@ -46,6 +49,8 @@ struct InvoiceParty {
     QString postcodeTown;
     QString mail1, mail2;
     bool isChosen() const { return !account.trimmed().isEmpty() || !entity.trimmed().isEmpty(); }
+    // Some line of name or address is written.
+    bool hasAddress() const;
 };
 
 // What the operator (or a batch run) gives to make or change a header.
@@ -99,7 +104,8 @@ QString paddedInvoiceNumber(const QString& number);
 QString nextInvoiceNumber(const store::Store& store);
 
 // Checks the header as typed: "date obligatoire", "la date : … n'est pas
-// valide", "veuillez sélectionner un facturé". Throws Refusal.
+// valide", "veuillez sélectionner un facturé", "Adresse de facturation
+// obligatoire" (an address typed by hand left blank). Throws Refusal.
 QDate validateHeader(const InvoiceHeader& header);
 
 // Writes a new header under the next number with its first line ("999999999",

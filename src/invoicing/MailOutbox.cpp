@@ -3,9 +3,9 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include "store/FileNames.h"
+#include "store/FileWriting.h"
 
 namespace orve::invoicing {
 
@@ -28,17 +28,13 @@ void MailOutbox::deliver(const MailMessage& message, const QString& name) {
     }
     const QByteArray bytes =
         message.toMime(QDateTime::currentDateTime(), newMessageId(message.from), true);
-    QSaveFile file(path);
-    const auto fail = [&] {
-        return MailFailure(QStringLiteral("impossible d'écrire le fichier %1 : %2")
-                               .arg(QDir::toNativeSeparators(path), file.errorString()),
-                           false);
-    };
-    if (!file.open(QIODevice::WriteOnly)) throw fail();
-    // Addresses and amounts: for the owner only.
-    file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    if (file.write(bytes) != bytes.size()) throw fail();
-    if (!file.commit()) throw fail();
+    try {
+        store::writeWholeFile(path, bytes);
+    } catch (const store::FileWriteError& e) {
+        // Every message goes to the same folder: one that cannot take this
+        // one (a full disk above all) would refuse each of the others too.
+        throw MailFailure(e.message(), true);
+    }
     m_written << path;
 }
 

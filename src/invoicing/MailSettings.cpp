@@ -1,20 +1,31 @@
 #include "invoicing/MailSettings.h"
 
 #include <QDir>
-#include <QSettings>
 
 #include "invoicing/MailMessage.h"
 #include "store/Refusal.h"
+#include "store/Settings.h"
 
 namespace orve::invoicing {
 
 MailSettings MailSettings::fromIni(const QString& iniPath) {
     MailSettings m;
-    QSettings ini(iniPath, QSettings::IniFormat);
-    ini.beginGroup(QStringLiteral("mail"));
-    m.server = ini.value("serveur").toString().trimmed();
-    m.port = ini.value("port").toString().trimmed().toInt();
-    const QString security = ini.value("securite").toString().trimmed().toLower();
+    const store::Settings ini(iniPath);
+    // A port or a delay that cannot be read is not guessed: the mail would
+    // go to the wrong place or be given up at once.
+    const auto number = [&](const QString& key, int low, int high) {
+        const QString text = ini.text(key);
+        if (text.isEmpty()) return 0;
+        bool ok = false;
+        const int n = text.toInt(&ok);
+        if (!ok || n < low || n > high)
+            throw Refusal(store::settingName(key, text) +
+                          QStringLiteral("attendu un nombre de %1 à %2.").arg(low).arg(high));
+        return n;
+    };
+    m.server = ini.text("mail/serveur");
+    m.port = number(QStringLiteral("mail/port"), 1, 65535);
+    const QString security = ini.text("mail/securite").toLower();
     if (security.isEmpty() || security == QStringLiteral("starttls"))
         m.security = MailSecurity::StartTls;
     else if (security == QStringLiteral("tls"))
@@ -22,16 +33,13 @@ MailSettings MailSettings::fromIni(const QString& iniPath) {
     else if (security == QStringLiteral("aucune"))
         m.security = MailSecurity::None;
     else
-        throw Refusal(QStringLiteral("orve.ini [mail] securite = %1 : valeur inconnue (starttls, "
-                                     "tls ou aucune).")
-                          .arg(security));
-    m.user = ini.value("utilisateur").toString().trimmed();
-    m.sender = ini.value("expediteur").toString().trimmed();
-    m.password = ini.value("mot_de_passe").toString();
-    bool ok = false;
-    const int timeout = ini.value("delai").toString().trimmed().toInt(&ok);
-    if (ok && timeout > 0) m.timeoutSeconds = timeout;
-    ini.endGroup();
+        throw Refusal(store::settingName(QStringLiteral("mail/securite"), security) +
+                      QStringLiteral("valeur inconnue (starttls, tls ou aucune)."));
+    m.user = ini.text("mail/utilisateur");
+    m.sender = ini.text("mail/expediteur");
+    m.password = ini.value("mail/mot_de_passe").toString();
+    if (const int timeout = number(QStringLiteral("mail/delai"), 1, 24 * 3600); timeout > 0)
+        m.timeoutSeconds = timeout;
     return m;
 }
 

@@ -56,6 +56,8 @@ AccountCheck checkAccount(const QString& text) {
 namespace {
 store::Fields fieldsOf(const ArticleEdit& edit) {
     if (edit.nature.trimmed().isEmpty()) throw Refusal(QStringLiteral("code nature obligatoire"));
+    requireText(QStringLiteral("Libellé"), edit.label);
+    requireDigits(QStringLiteral("Compte comptable"), edit.account);
     return {{"a_cpta", checkAccount(edit.account).text},
             {"a_libelle", edit.label},
             {"a_nature", edit.nature.trimmed()},

@@ -92,6 +92,7 @@ void checkApprovalDate(const QString& masked) {
 }  // namespace
 
 void save(store::Store& store, const QString& key, const CentreEdit& edit, const QDate& today) {
+    requireText(QStringLiteral("Nom"), edit.card.value("b_nom"));
     const QString lanesText = edit.lanes.trimmed();
     if (!lanesText.isEmpty() && !isWholeNumber(lanesText))
         throw Refusal(

@@ -89,6 +89,8 @@ std::optional<ListItem> departmentItem(store::Store& store, const QString& numbe
 namespace {
 void checkDistrict(const ClubEdit& edit) {
     if (edit.district.trimmed().isEmpty()) throw Refusal(QStringLiteral("District obligatoire"));
+    requireText(QStringLiteral("Nom du Club"), edit.card.value("club_nom"));
+    requireDigits(QStringLiteral("Code comptable"), edit.account);
 }
 
 store::Fields commonFields(const ClubEdit& edit, const QDate& today) {

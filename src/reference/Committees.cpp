@@ -69,6 +69,8 @@ QString cardCaption(const store::Row& committee) {
 
 void save(store::Store& store, const QString& number, const CommitteeEdit& edit,
           const QDate& today) {
+    requireText(QStringLiteral("Intitulé du Comité Départemental"), edit.card.value("de_lib"));
+    requireDigits(QStringLiteral("Imputation comptable"), edit.account);
     store::Transaction tx(store);
     if (entityName(store, edit.entity).isEmpty())
         throw Refusal(QStringLiteral("L'entité de facturation est obligatoire"));

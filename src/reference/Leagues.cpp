@@ -34,6 +34,7 @@ Invoicing invoicingOf(const QString& reFact) {
 
 void save(store::Store& store, const QString& code, const Card& card, Invoicing invoicing,
           const QDate& today) {
+    requireText(QStringLiteral("Intitulé de la Ligue Régionale"), card.value("re_lib"));
     if (invoicing == Invoicing::Csr && (card.value("re_csr_nom").trimmed().isEmpty() ||
                                         card.value("re_mail2").trimmed().isEmpty()))
         throw Refusal(QStringLiteral("Nom et Mail du Président du CSR obligatoires"));

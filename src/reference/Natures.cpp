@@ -1,5 +1,6 @@
 #include "reference/Natures.h"
 
+#include "reference/ReferenceCodes.h"
 #include "store/Refusal.h"
 
 namespace orve::reference::natures {
@@ -27,6 +28,8 @@ Nature fromRow(const store::Row& row) {
 int save(store::Store& store, const Nature& nature, bool adding) {
     const QString code = nature.code.toUpper();
     const QString fact = nature.onEntries ? QStringLiteral("E") : QStringLiteral("R");
+    if (code.trimmed().isEmpty()) throw Refusal(QStringLiteral("code nature obligatoire"));
+    requireText(QStringLiteral("Libellé"), nature.label);
     store::Transaction tx(store);
     const bool found =
         store.exists(QStringLiteral("select 1 from strnaturec where n_code = ?"), {nature.code});

@@ -4,6 +4,7 @@
 #include <QSqlField>
 
 #include "store/Formats.h"
+#include "store/Refusal.h"
 
 namespace orve::reference {
 
@@ -25,6 +26,17 @@ store::Fields fieldsOf(const Card& card, const QStringList& columns) {
 bool isWholeNumber(const QString& text) {
     static const QRegularExpression digits(QStringLiteral("^\\d+$"));
     return digits.match(text.trimmed()).hasMatch();
+}
+
+void requireDigits(const QString& caption, const QString& text) {
+    if (text.trimmed().isEmpty() || isWholeNumber(text)) return;
+    throw Refusal(QStringLiteral("Le champ « %1 » n'accepte que des chiffres : « %2 ».")
+                      .arg(caption, format::echoed(text.trimmed())));
+}
+
+void requireText(const QString& caption, const QString& text) {
+    if (text.trimmed().isEmpty())
+        throw Refusal(QStringLiteral("Le champ « %1 » est obligatoire.").arg(caption));
 }
 
 QString formatNumber(const QString& text, int width) {

@@ -23,6 +23,14 @@ QString formatNumber(const QString& text, int width);
 // Whether a trimmed text is made of digits only (and is not empty).
 bool isWholeNumber(const QString& text);
 
+// Refusals naming the field by its caption on the card, so that a window and
+// orve-batch refuse alike: a field of digits holding anything else ("41O13A"
+// is not account 41), and a name left blank.
+// "Le champ « Code comptable » n'accepte que des chiffres : « 41O13A »."
+void requireDigits(const QString& caption, const QString& text);
+// "Le champ « Nom du Club » est obligatoire."
+void requireText(const QString& caption, const QString& text);
+
 // Drop-down list items are the program's own, one level down.
 using app::itemCode;
 using app::kChoose;

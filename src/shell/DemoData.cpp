@@ -1,7 +1,6 @@
 #include "shell/DemoData.h"
 
 #include <QDir>
-#include <QSettings>
 #include <tuple>
 
 #include "app/InstallationSetup.h"
@@ -14,6 +13,7 @@
 #include "store/Formats.h"
 #include "store/Refusal.h"
 #include "store/Seasons.h"
+#include "store/Settings.h"
 #include "store/Store.h"
 
 namespace orve::shell {
@@ -637,7 +637,7 @@ void fillImportedCompetitions(Store& s, int season) {
 }
 
 void writeSettings(const QString& dir) {
-    QSettings ini(QDir(dir).filePath(QStringLiteral("orve.ini")), QSettings::IniFormat);
+    orve::store::Settings ini(QDir(dir).filePath(QStringLiteral("orve.ini")));
     ini.beginGroup(QStringLiteral("federation"));
     ini.setValue("nom", QStringLiteral("FEDERATION KVARN"));
     ini.setValue("adresse", QStringLiteral("14 rue des Neuf-Quilles, 75010 Paris"));

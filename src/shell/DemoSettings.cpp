@@ -1,12 +1,13 @@
 #include "shell/DemoSettings.h"
 
 #include <QDir>
-#include <QSettings>
+
+#include "store/Settings.h"
 
 namespace orve::shell {
 
 void writeDemoMentions(const QString& folder) {
-    QSettings ini(QDir(folder).filePath(QStringLiteral("orve.ini")), QSettings::IniFormat);
+    orve::store::Settings ini(QDir(folder).filePath(QStringLiteral("orve.ini")));
     ini.beginGroup(QStringLiteral("mentions"));
     ini.setValue("tva", QStringLiteral("TVA non applicable, art. 293 B du CGI"));
     ini.setValue("penalites",

@@ -10,6 +10,7 @@
 #include <atomic>
 
 #include "store/Condition.h"
+#include "store/FileWriting.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 
@@ -59,9 +60,9 @@ QString tableOf(const QString& sql) {
 // A statement run while preparing or opening one file, where that file is
 // known whatever the statement says.
 [[noreturn]] void failIn(const QString& path, const QString& sql, const QSqlError& error) {
-    throw StoreError(
-        QStringLiteral("Erreur de la base de données %1 (%2) : %3")
-            .arg(QDir::toNativeSeparators(path), operationOf(sql), describeEngineError(error)));
+    throw StoreError(QStringLiteral("Erreur de la base de données %1 (%2) : %3")
+                         .arg(QDir::toNativeSeparators(path), operationOf(sql),
+                              describeEngineError(error, false, QFileInfo(path).absolutePath())));
 }
 
 // The schema of a shared store on the server ("jkv" rather than SQLite's "main").
@@ -542,9 +543,10 @@ void Store::fail(const QString& sql, const QSqlError& error) const {
         // BEGIN, COMMIT and the like concern the whole installation.
         where = QStringLiteral("du dossier %1").arg(QDir::toNativeSeparators(m_folder));
     }
-    throw StoreError(QStringLiteral("Erreur de la base de données %1 (%2) : %3")
-                         .arg(where, operationOf(sql), describeEngineError(error, postgres())),
-                     heldElsewhere(error, postgres()));
+    throw StoreError(
+        QStringLiteral("Erreur de la base de données %1 (%2) : %3")
+            .arg(where, operationOf(sql), describeEngineError(error, postgres(), m_folder)),
+        heldElsewhere(error, postgres()));
 }
 
 QString Store::dialect(const QString& sql) const { return postgres() ? serverDialect(sql) : sql; }
@@ -808,7 +810,7 @@ bool heldElsewhere(const QSqlError& error, bool server) {
     return primary == 5 || primary == 6;  // SQLITE_BUSY, SQLITE_LOCKED
 }
 
-QString describeEngineError(const QSqlError& error, bool server) {
+QString describeEngineError(const QSqlError& error, bool server, const QString& folder) {
     QString cause;
     if (server) {
         const QString state = error.nativeErrorCode();
@@ -845,8 +847,10 @@ QString describeEngineError(const QSqlError& error, bool server) {
             case 14:
                 cause = QStringLiteral("le fichier ne peut pas être ouvert");
                 break;
-            case 10:
-                cause = QStringLiteral("erreur de lecture ou d'écriture sur le disque");
+            case 10:  // SQLITE_IOERR: a write refused near the end of the room
+                cause = !folder.isEmpty() && diskNearlyFull(folder)
+                            ? QStringLiteral("disque plein")
+                            : QStringLiteral("erreur de lecture ou d'écriture sur le disque");
                 break;
             default:
                 break;

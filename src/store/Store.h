@@ -169,7 +169,10 @@ void prepareFile(const QString& dataFolder, File f);
 
 // The operator's words for an engine error: what usually causes it in French,
 // the engine's own text in brackets for support.
-QString describeEngineError(const QSqlError& error, bool server = false);
+// `folder`: where the SQLite files lie, when known; a read or write error
+// there with almost no room left on its disk is told as a full disk.
+QString describeEngineError(const QSqlError& error, bool server = false,
+                            const QString& folder = {});
 // Whether the error means another workstation held the data (busy, locked,
 // deadlock): worth trying again in a moment.
 bool heldElsewhere(const QSqlError& error, bool server = false);

@@ -101,6 +101,18 @@ TEST(SalesJournal, CsvIsForAFrenchSpreadsheet) {
     EXPECT_EQ(lines[4], "Total;;;;;;;;;;;;;;;;;14;;1819,50");
     EXPECT_EQ(lines[5], "");
     EXPECT_EQ(csvField("Ligue; Provence \"Sud\""), "\"Ligue; Provence \"\"Sud\"\"\"");
+
+    // Titles and labels typed by clerks or brought by imports reach the
+    // spreadsheet as text, never as a formula; amounts stay numbers.
+    w.store().exec("UPDATE strcompetition SET c_intitule = ?", {"=HYPERLINK(\"http://x.test\")"});
+    w.store().exec("UPDATE strfacture SET f_libelle = ?", {"@SUM(1+1)"});
+    const QStringList formulas =
+        QString::fromUtf8(journalCsv(w.store(), test::seasonSelection("2021", "10/20")).mid(3))
+            .split("\r\n");
+    EXPECT_TRUE(formulas[1].contains(";\"'=HYPERLINK(\"\"http://x.test\"\")\";"))
+        << formulas[1].toStdString();
+    EXPECT_TRUE(formulas[1].endsWith(";'@SUM(1+1);12;45,00;540,00")) << formulas[1].toStdString();
+    EXPECT_EQ(formulas[4], "Total;;;;;;;;;;;;;;;;;14;;1819,50");
 }
 
 TEST(TurnoverStatistics, SeasonPeriodKeepsTheThirtyFirstOfAugustAndNotTheFirstOfSeptember) {
@@ -192,4 +204,10 @@ TEST(TurnoverStatistics, CsvListsEachOrganisersArticlesThenItsCumulativeRow) {
               "R11;-;99999991;Engagement par joueur;1;30,00\r\n"
               "R11;Cumul de la facturation;-;-;1;30,00\r\n"
               "Total;;;;8;55,00\r\n");
+    w.store().exec("UPDATE strarticle SET a_libelle = ? WHERE a_index = '99999990'",
+                   {"+cmd|' /C calc'!A0"});
+    w.store().exec("UPDATE strarticle SET a_libelle = ? WHERE a_index = '99999991'", {"\t-2+3"});
+    EXPECT_TRUE(QString::fromUtf8(statisticsCsv(w.store(), w.request(StatisticsMode::ByLeague)))
+                    .contains("R06;-;99999990;'+cmd|' /C calc'!A0;5;5,00\r\n"
+                              "R06;-;99999991;'\t-2+3;2;20,00\r\n"));
 }

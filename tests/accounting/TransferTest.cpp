@@ -8,6 +8,7 @@
 #include "accounting/AccountingConstants.h"
 #include "accounting/AccountingTransfer.h"
 #include "store/Refusal.h"
+#include "support/FileSizeLimit.h"
 #include "support/TestInstall.h"
 
 using namespace orve;
@@ -181,6 +182,22 @@ TEST(AccountingTransfer, AFailureBeforeTheCommitLeavesNoFileAndNoMark) {
         EXPECT_EQ(test::fileBytes(r.path), test::expectedFile("national_2021.csv"));
         EXPECT_EQ(w.files(), QStringList{"Transfert_20261121.csv"});
     }
+}
+
+TEST(AccountingTransfer, AFullDiskNamesTheTransferFileAndMarksNothing) {
+    TransferWorld w;
+    try {
+        test::FileSizeLimit limit(16);
+        w.transfer(TransferLayout::National);
+        ADD_FAILURE() << "written on a full disk";
+    } catch (const StoreError& e) {
+        EXPECT_EQ(e.message(), "Disque plein : impossible d'écrire le fichier de transfert " +
+                                   QDir::toNativeSeparators(
+                                       QDir(w.folder()).filePath("Transfert_20261121.csv")) +
+                                   ".");
+    }
+    EXPECT_TRUE(w.files().isEmpty()) << w.files().join(',').toStdString();
+    EXPECT_EQ(w.marked(), 1);  // the invoice transferred before
 }
 
 TEST(AccountingTransfer, AStopAfterTheCommitIsFinishedByTheNextRun) {

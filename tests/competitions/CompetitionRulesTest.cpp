@@ -29,7 +29,7 @@ CompetitionRecord card(const QString& season, const QString& kind = kClubs) {
     r.nature = QStringLiteral("CDCNH");
     r.billedKind = kind;
     r.eliminatoryLines = QStringLiteral("6");
-    r.finalLines = QStringLiteral("abc");
+    r.finalLines = QString();
     r.date = QStringLiteral("14/03/") + season;
     return r;
 }
@@ -98,7 +98,7 @@ TEST(CompetitionRegister, KeysShareOneSequencePerSeasonDigit) {
     EXPECT_EQ(column(s, "FD000002", "c_saison"), "2030");
     EXPECT_EQ(column(s, "FD000001", "c_facture"), kMasterState);
     EXPECT_EQ(column(s, "FD000001", "index_reference"), kMasterReference);
-    // A line count that is not a number is stored as 0; the date keeps its sort key.
+    // A line count left blank is stored as 0; the date keeps its sort key.
     EXPECT_EQ(column(s, "FD000001", "c_ligne_finale"), "0");
     EXPECT_EQ(column(s, "FD000001", "c_ligne_eliminatoire"), "6");
     EXPECT_EQ(column(s, "FD000001", "c_tri_finale"), "20200314");
@@ -264,9 +264,19 @@ TEST(CompetitionRegister, CardChecksAndCountsRefuseBadInput) {
     EXPECT_EQ(refusal([&] { checkCompetition(r); }), "Date compétition obligatoire");
     r.date = "31/02/2027";
     EXPECT_EQ(refusal([&] { checkCompetition(r); }), "Date compétition obligatoire");
-    EXPECT_EQ(lineCountText(" 12 "), "12");
-    EXPECT_EQ(lineCountText("1,5"), "0");
-    EXPECT_EQ(lineCountText("-3"), "0");
+    EXPECT_EQ(lineCountText(" 012 "), "12");
+    EXPECT_EQ(lineCountText(""), "0");
+    // Lines per player that are not a number are refused by name, not billed as 0.
+    for (const QString& bad : {"trois", "1,5", "-3"}) {
+        r = card("2027");
+        r.finalLines = lineCountText(bad);
+        const QString expected =
+            QStringLiteral(
+                "Le champ « Finales : Nombre de lignes par joueur » n'accepte que "
+                "des chiffres : « %1 ».")
+                .arg(bad);
+        EXPECT_EQ(refusal([&] { saveCompetition(s, kLeague06, r); }), expected.toStdString());
+    }
     EXPECT_EQ(competitionSortKey("07/02/2027"), "20270207");
 
     r = card("2027");

@@ -144,7 +144,7 @@ TEST(CompetitionScreen, CardMirrorsItsChoicesAndTheSeasonChooserListsTheSeason) 
     type(w.box("Mskdate"), "31/02/2027");
     EXPECT_EQ(w.box("txt_tri_finale")->text(), "20270207");
     type(w.box("txt_ligne_eliminatoire"), "6 lignes");
-    EXPECT_EQ(w.box("txt_ligne_eliminatoire")->text(), "0");
+    EXPECT_EQ(w.box("txt_ligne_eliminatoire")->text(), "6 lignes");  // refused at saving
     type(w.box("txt_ligne_finale"), "12");
     EXPECT_EQ(w.box("txt_ligne_finale")->text(), "12");
 

@@ -179,4 +179,21 @@ TEST(ClubImport, WindowsFilesArriveWithTheirAccents) {
     EXPECT_EQ(club(s, "CL13005").value("club_nom").toString(), "Les Quilles de l'Étang");
     EXPECT_EQ(club(s, "CL13005").value("club_ville").toString(), "Châteauneuf");
     EXPECT_EQ(club(s, "CL13005").value("club_president").toString(), "Jeanne Président");
+
+    // A UTF-8 file with one damaged line stays UTF-8: "Élan" is not stored as
+    // "Ã‰lan", and the damaged line is named, not imported.
+    QByteArray damaged = (kHeader + clubLine("13", "6", "Élan Bowling", "Aix") +
+                          clubLine("13", "7", "Quilles X", "Arles"))
+                             .toUtf8();
+    damaged.replace("Quilles X", "Quilles \xC9toile");
+    ClubImport mixed(s, inst.today());
+    mixed.check(ImportFile::fromBytes(damaged));
+    EXPECT_EQ(mixed.report().encoding, "UTF-8");
+    ASSERT_EQ(mixed.report().lines().size(), 1u);
+    EXPECT_EQ(mixed.report().lines()[0].number, 3);
+    EXPECT_TRUE(mixed.report().lines()[0].skipped);
+    EXPECT_TRUE(mixed.report().lines()[0].reason.startsWith("caractères non valides en UTF-8"));
+    mixed.write();
+    EXPECT_EQ(club(s, "CL13006").value("club_nom").toString(), "Élan Bowling");
+    EXPECT_FALSE(s.exists("SELECT 1 FROM strclub WHERE club_code = 'CL13007'"));
 }

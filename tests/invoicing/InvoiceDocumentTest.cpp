@@ -4,7 +4,6 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QRegularExpression>
-#include <QSettings>
 #include <QTextDocumentFragment>
 #include <algorithm>
 #include <tuple>
@@ -17,6 +16,7 @@
 #include "invoicing/InvoiceRecords.h"
 #include "invoicing/PrinterLookup.h"
 #include "store/Refusal.h"
+#include "store/Settings.h"
 #include "support/DemoInvoices.h"
 #include "support/TestInstall.h"
 
@@ -28,7 +28,7 @@ namespace {
 // One word of a PDF as pdftotext -bbox gives it, in twips from the top left.
 struct Word {
     int page;
-    double x0, y0, x1;
+    double x0, y0, x1, y1;
     QString text;
 };
 
@@ -40,7 +40,7 @@ class PdfText {
         EXPECT_EQ(test::runProgram("pdftotext", {"-bbox", path, "-"}, {}, &out, nullptr), 0);
         static const QRegularExpression word(
             "<word xMin=\"([\\d.]+)\" yMin=\"([\\d.]+)\" xMax=\"([\\d.]+)\" "
-            "yMax=\"[\\d.]+\">([^<]*)</word>");
+            "yMax=\"([\\d.]+)\">([^<]*)</word>");
         int page = 0;
         for (const QString& line : out.split('\n')) {
             if (line.contains("<page ")) ++page;
@@ -48,7 +48,8 @@ class PdfText {
             if (m.hasMatch())
                 m_words.push_back({page, m.captured(1).toDouble() * 20,
                                    m.captured(2).toDouble() * 20, m.captured(3).toDouble() * 20,
-                                   QTextDocumentFragment::fromHtml(m.captured(4)).toPlainText()});
+                                   m.captured(4).toDouble() * 20,
+                                   QTextDocumentFragment::fromHtml(m.captured(5)).toPlainText()});
         }
         m_pages = page;
     }
@@ -476,7 +477,7 @@ QString invoiceTo(store::Store& store, const QDate& today, const InvoiceParty& b
 
 }  // namespace
 
-TEST(InvoiceDocument, LongTitlesNamesAndAddressesWrapAndNothingIsCut) {
+TEST(InvoiceDocument, LongTitlesNamesAndAddressesWrapAndNeverOverprint) {
     Fixture f;
     // 120 characters, blanks between its words.
     const QString title =
@@ -545,13 +546,32 @@ TEST(InvoiceDocument, LongTitlesNamesAndAddressesWrapAndNothingIsCut) {
                 EXPECT_LT(w.x1, 5300) << qPrintable(w.text);
         }
     }
+
+    // A name no size can hold on the slip is cut with "…" above the invoice
+    // number, which stays readable.
+    const InvoiceParty huge =
+        otherParty({QStringLiteral("Association des quilleurs réunis ").repeated(16)}, "", "");
+    const QString n = invoiceTo(f.store(), f.inst.today(), huge, huge, title, 3);
+    PdfText pdf(generateInvoicePdf(f.store(), f.settings, n));
+    const int last = pdf.pages();
+    const Word* number = nullptr;
+    for (const Word* w : pdf.findAll("Facture"))
+        if (w->page == last && w->x0 > 7800 && w->y0 > 13300) number = w;
+    ASSERT_TRUE(number);
+    EXPECT_EQ(pdf.lineOf(*number, 7800), "Facture N° : " + n);
+    const QString slip = pdf.region(last, 7800, 11300, 13300, number->y0 - 30);
+    EXPECT_TRUE(slip.startsWith("Coupon à joindre à votre règlement Client : Association des"));
+    EXPECT_TRUE(slip.endsWith(QStringLiteral("…"))) << qPrintable(slip);
+    for (const Word& w : pdf.words())
+        if (w.page == last && w.x0 > 7800 && w.y0 > 13300 && w.y0 < number->y0 - 30)
+            EXPECT_LE(w.y1, number->y0 + 10) << qPrintable(w.text);
 }
 
 TEST(InvoiceDocument, LegalMentionsAndPaymentNoticesAreTheInstallations) {
     Fixture f;
     // Nothing set: the texts printed so far, no late-payment mention.
     {
-        QSettings ini(f.session->settingsPath(), QSettings::IniFormat);
+        orve::store::Settings ini(f.session->settingsPath());
         ini.remove("mentions");
     }
     f.settings = documentSettings(*f.session);
@@ -565,7 +585,7 @@ TEST(InvoiceDocument, LegalMentionsAndPaymentNoticesAreTheInstallations) {
         EXPECT_TRUE(text.contains("GAGNEZ DU TEMPS ! Règlez par virement bancaire."));
     }
     {
-        QSettings ini(f.session->settingsPath(), QSettings::IniFormat);
+        orve::store::Settings ini(f.session->settingsPath());
         ini.setValue("mentions/tva", "TVA non applicable, art. 293 B du CGI");
         ini.setValue("mentions/penalites",
                      "Pénalités de retard : trois fois le taux d'intérêt légal");
@@ -606,7 +626,7 @@ TEST(InvoiceDocument, LegalMentionsAndPaymentNoticesAreTheInstallations) {
     EXPECT_FALSE(credit.all().contains("Indemnité"));
 
     // An installation that wants no VAT mention at all says so with an empty value.
-    QSettings(f.session->settingsPath(), QSettings::IniFormat).setValue("mentions/tva", "");
+    orve::store::Settings(f.session->settingsPath()).setValue("mentions/tva", "");
     f.settings = documentSettings(*f.session);
     EXPECT_FALSE(
         PdfText(generateInvoicePdf(f.store(), f.settings, kClubInvoice)).all().contains("TVA"));

@@ -93,6 +93,12 @@ TEST(InvoiceRecords, HeaderValidationWritesNothing) {
     InvoiceHeader nobody = clubHeader();
     nobody.billed = {};
     EXPECT_EQ(refusal(nobody), QStringLiteral("veuillez sélectionner un facturé"));
+    // An address to type by hand left blank is refused before a number is used up.
+    InvoiceHeader blank = clubHeader();
+    blank.billed = {};
+    blank.billed.entity = kOtherEntity;
+    blank.billed.address1 = QStringLiteral("  ");
+    EXPECT_EQ(refusal(blank), QStringLiteral("Adresse de facturation obligatoire"));
     EXPECT_EQ(s.scalar("SELECT COUNT(*) FROM strentete").toInt(), 0);
     EXPECT_EQ(s.scalar("SELECT COUNT(*) FROM strfacture").toInt(), 0);
 
@@ -101,6 +107,7 @@ TEST(InvoiceRecords, HeaderValidationWritesNothing) {
     entity.billed.account.clear();
     entity.billed.entity = QStringLiteral("CD13");
     const QString n = createInvoice(s, entity, inst.today());
+    EXPECT_EQ(n, "1");
     EXPECT_EQ(
         s.scalar(
              "SELECT ent_tiers_fact || '|' || ent_fact_entite FROM strentete WHERE ent_fact_no = ?",

@@ -18,6 +18,7 @@
 #include "store/Formats.h"
 #include "store/Refusal.h"
 #include "support/DemoInvoices.h"
+#include "support/FileSizeLimit.h"
 #include "support/SmtpTestServer.h"
 #include "support/TestInstall.h"
 
@@ -298,6 +299,24 @@ TEST(MailSending, OutboxFilesOpenInAMailProgramAndCountAsSent) {
     ASSERT_EQ(outbox.written().size(), 2);
     EXPECT_EQ(QFileInfo(outbox.written()[1]).fileName(),
               "CL13001_FN_" + test::kClubInvoice + "-2.eml");
+
+    // On a full disk the run stops at its first message, named by its own
+    // name with the cause, and leaves no part of it behind.
+    const QString other = entityInvoice(*s, "jeanne.roussel@example.org");
+    pdf(*s, other);
+    MailRunReport full;
+    {
+        test::FileSizeLimit limit(16);
+        full = sendInvoiceMails(s->store(), outbox, c, o, {test::kClubInvoice, other});
+    }
+    EXPECT_EQ(full.failed, 1);
+    EXPECT_EQ(full.notTried, 1);
+    const QString third = QDir::toNativeSeparators(
+        QDir(folder).filePath("CL13001_FN_" + test::kClubInvoice + "-3.eml"));
+    EXPECT_EQ(full.summary().section('\n', 0, 0),
+              "L'envoi des mails s'est arrêté : " + QDir::toNativeSeparators(folder) +
+                  " : Disque plein : impossible d'écrire le fichier " + third + ".");
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files | QDir::Hidden).size(), 2);
 }
 
 TEST(MailSending, SkippedInvoicesAreReportedWithTheirReasonAndTheRunGoesOn) {

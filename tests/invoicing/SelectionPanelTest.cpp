@@ -4,12 +4,12 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QRadioButton>
-#include <QSettings>
 
 #include "invoicing/SelectionFilter.h"
 #include "invoicing/ui/SelectionPanel.h"
 #include "store/Refusal.h"
 #include "store/Seasons.h"
+#include "store/Settings.h"
 #include "support/TestInstall.h"
 
 using namespace orve;
@@ -164,7 +164,7 @@ TEST(SelectionPanel, FilledFromTheStoreAndTurnedIntoACondition) {
     EXPECT_EQ(combo(1)->itemText(combo(1)->count() - 1), "2028");
     {
         // A season set in orve.ini wins over today's date, for every chooser.
-        QSettings ini(session->settingsPath(), QSettings::IniFormat);
+        orve::store::Settings ini(session->settingsPath());
         ini.setValue("saison/courante", "2025");
     }
     EXPECT_EQ(session->workingSeason(), 2025);

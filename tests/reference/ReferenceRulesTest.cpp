@@ -118,7 +118,7 @@ TEST(ReferenceCommittees, EntityLookUpsAndSave) {
     EXPECT_EQ(committees::lookUpLeague(s, "LR11").name, "Ligue Régionale Île-de-France");
 
     committees::CommitteeEdit edit{
-        cardOf(*committees::find(s, "6")), "LR06", "d3", "41a", {true, "99"}};
+        cardOf(*committees::find(s, "6")), "LR06", "d3", "41", {true, "99"}};
     EXPECT_EQ(refusalOf([&] { committees::save(s, "006", edit, QDate(2026, 11, 21)); }),
               "L'entité de facturation est obligatoire");
     edit.entity = {true, "6"};
@@ -170,7 +170,7 @@ TEST(ReferenceClubs, AddBuildsTheKeyAndRefusesDuplicates) {
     test::TestInstall install;
     auto session = install.start();
     auto& s = session->store();
-    clubs::ClubEdit edit{{}, "", "41a", "LR06", "5", "7"};
+    clubs::ClubEdit edit{{}, "", "41", "LR06", "5", "7"};
     edit.card["club_nom"] = "Club d'essai";
     EXPECT_EQ(refusalOf([&] { clubs::add(s, edit, QDate(2026, 11, 21)); }), "District obligatoire");
     edit.district = "D1";
@@ -289,6 +289,62 @@ TEST(ReferenceNatures, SavePushesOptionsIntoEveryCompetitionOfTheNature) {
     EXPECT_EQ(added->value("n_type").toString(), "FD");
     natures::remove(s, "NEW1");
     EXPECT_FALSE(s.exists("select 1 from strnaturec where n_code = 'NEW1'"));
+}
+
+TEST(ReferenceRecords, DigitFieldsRefuseOtherTextAndNamesAreMandatory) {
+    test::TestInstall install;
+    auto session = install.start();
+    auto& s = session->store();
+    const QDate today(2026, 11, 21);
+    const QString digits = "Le champ « %1 » n'accepte que des chiffres : « 41O13A ».";
+    const QString required = "Le champ « %1 » est obligatoire.";
+
+    clubs::ClubEdit club{cardOf(*clubs::find(s, "CL13001")), "D1", "41O13A", "LR06", "13", "8"};
+    EXPECT_EQ(refusalOf([&] { clubs::save(s, "CL13001", club, today); }),
+              digits.arg("Code comptable"));
+    EXPECT_EQ(refusalOf([&] { clubs::add(s, club, today); }), digits.arg("Code comptable"));
+    club.account = "411131";
+    club.card["club_nom"] = "  ";
+    EXPECT_EQ(refusalOf([&] { clubs::save(s, "CL13001", club, today); }),
+              required.arg("Nom du Club"));
+    EXPECT_EQ(refusalOf([&] { clubs::add(s, club, today); }), required.arg("Nom du Club"));
+    EXPECT_FALSE(clubs::find(s, "CL13008"));
+    EXPECT_FALSE(clubs::find(s, "CL13001")->value("club_nom").toString().trimmed().isEmpty());
+
+    committees::CommitteeEdit committee{
+        cardOf(*committees::find(s, "6")), "LR06", "D3", "41O13A", {true, "6"}};
+    EXPECT_EQ(refusalOf([&] { committees::save(s, "6", committee, today); }),
+              digits.arg("Imputation comptable"));
+    committee.account = "41";
+    committee.card["de_lib"] = "";
+    EXPECT_EQ(refusalOf([&] { committees::save(s, "6", committee, today); }),
+              required.arg("Intitulé du Comité Départemental"));
+
+    Card league = cardOf(*leagues::find(s, "LR69"));
+    league["re_lib"] = " ";
+    EXPECT_EQ(
+        refusalOf([&] { leagues::save(s, "LR69", league, leagues::Invoicing::League, today); }),
+        required.arg("Intitulé de la Ligue Régionale"));
+
+    centres::CentreEdit centre{cardOf(*centres::find(s, "BOW0832")), "18", false, "__/__/____"};
+    centre.card["b_nom"] = "";
+    EXPECT_EQ(refusalOf([&] { centres::save(s, "BOW0832", centre, today); }), required.arg("Nom"));
+
+    const QString lastArticle = articles::nextCode(s);
+    EXPECT_EQ(refusalOf([&] {
+                  articles::add(s, {"Article", "DIV", "41O13A", ""});
+              }),
+              digits.arg("Compte comptable"));
+    EXPECT_EQ(refusalOf([&] {
+                  articles::add(s, {" ", "DIV", "706", ""});
+              }),
+              required.arg("Libellé"));
+    EXPECT_EQ(articles::nextCode(s), lastArticle);
+    EXPECT_EQ(refusalOf([&] {
+                  natures::save(s, {"NEUF", " ", true, true, true}, true);
+              }),
+              required.arg("Libellé"));
+    EXPECT_FALSE(s.exists("SELECT 1 FROM strnaturec WHERE n_code = 'NEUF'"));
 }
 
 TEST(ReferenceListings, GridsListInTheRulesOrderWithValuesBound) {

@@ -1,18 +1,18 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QSettings>
 #include <QTemporaryDir>
 
 #include "invoicing/DocumentSettings.h"
 #include "shell/DemoSettings.h"
+#include "store/Settings.h"
 
 using namespace orve;
 
 TEST(DemoSettings, TheDemoMentionsAreThoseTheDocumentsPrint) {
     QTemporaryDir dir;
     const QString ini = QDir(dir.path()).filePath("orve.ini");
-    QSettings(ini, QSettings::IniFormat).setValue("federation/nom", "FEDERATION KVARN");
+    orve::store::Settings(ini).setValue("federation/nom", "FEDERATION KVARN");
     const invoicing::Letterhead before = invoicing::Letterhead::fromSettings(ini);
     EXPECT_EQ(before.vatMention, "TVA NON APPLICABLE");
     EXPECT_TRUE(before.latePenalties.isEmpty());

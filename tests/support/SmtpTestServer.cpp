@@ -4,9 +4,9 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSettings>
 #include <QTcpServer>
 
+#include "store/Settings.h"
 #include "support/TestInstall.h"
 
 namespace orve::test {
@@ -89,7 +89,7 @@ std::vector<SmtpTestServer::Received> SmtpTestServer::received() const {
 
 void SmtpTestServer::configure(const QString& iniPath, const QString& user,
                                const QString& sender) const {
-    QSettings ini(iniPath, QSettings::IniFormat);
+    orve::store::Settings ini(iniPath);
     ini.beginGroup(QStringLiteral("mail"));
     ini.setValue("serveur", QStringLiteral("127.0.0.1"));
     ini.setValue("port", m_port);

@@ -73,7 +73,10 @@ ImportReportView::ImportReportView(QWidget* parent)
 }
 
 void ImportReportView::showReport(const ImportReport& report, const QString& summary) {
-    m_summary->setText(summary);
+    // The encoding the file was read in: lines not valid in it are listed below.
+    m_summary->setText(report.encoding.isEmpty()
+                           ? summary
+                           : summary + QStringLiteral("\nFichier lu en %1.").arg(report.encoding));
     m_summary->setVisible(true);
     m_model->setReport(report);
 }

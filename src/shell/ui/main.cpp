@@ -18,6 +18,7 @@
 #include "shell/QtMessages.h"
 #include "shell/ui/Screens.h"
 #include "store/Refusal.h"
+#include "store/Settings.h"
 
 namespace {
 
@@ -113,5 +114,9 @@ int main(int argc, char** argv) {
     }
     ORVE_menu menu(*session, dialogs, catalog);
     menu.show();
+    // A setting of orve.ini that cannot be used is named once, at start.
+    if (const QStringList problems = orve::store::settingsProblems(session->settingsPath());
+        !problems.isEmpty())
+        dialogs.warn(problems.join(QStringLiteral("\n")));
     return app.exec();
 }
