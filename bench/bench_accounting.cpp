@@ -163,9 +163,9 @@ int main(int argc, char** argv) {
 
     bareMs = timed([&] { bare(store, untransferred, seasonOnly); });
     line(QStringLiteral("transfert : sélection (rafraîchissement)"), timed([&] {
-             accounting::transferSelectionTotals(store, selection);
+             accounting::transferSelectionTotals(store, selection, QStringLiteral("JKV"));
              grid.setQuery(store, accounting::transferSelectionQuery(
-                                      selection, accounting::TransferLayout::National));
+                                      selection, accounting::TransferLayout::National, QStringLiteral("JKV")));
          }),
          bareMs, bare(store, untransferred, seasonOnly));
 
@@ -194,7 +194,9 @@ int main(int argc, char** argv) {
         accounting::TransferResult result;
         const Timing ms = timed(
             [&] {
-                result = accounting::writeTransfer(store, files.path(), layout, selection, today);
+                // The scale history's invoices are all the national level's.
+                result = accounting::writeTransfer(store, files.path(), layout,
+                                                   QStringLiteral("JKV"), selection, today);
             },
             [&] {
                 putBack();

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "reference/Visibility.h"
 #include "accounting/AccountingConstants.h"
 #include "accounting/AccountingTransfer.h"
 #include "accounting/SalesJournal.h"
@@ -79,8 +80,8 @@ int transfer(app::BatchContext& c) {
             QStringLiteral("Indiquez l'opérateur du transfert avec --as LOGIN : la "
                            "présentation du fichier dépend de sa ligue."));
     const TransferResult r =
-        writeTransfer(session.store(), session.dataFolder(),
-                      transferLayoutOf(session.user().league), selectionOf(c), session.today());
+        writeTransfer(session.store(), session.dataFolder(), transferLayoutOf(session.user().league),
+                      reference::Viewer::of(session).level(), selectionOf(c), session.today());
     c.out() << kTransferWritten << QDir::toNativeSeparators(r.path) << "\n"
             << r.lines << " ligne(s), " << r.invoices << " facture(s)\n";
     return 0;
@@ -123,10 +124,18 @@ int statistics(app::BatchContext& c) {
 }  // namespace
 
 void registerAccountingBatchCommands(app::BatchRegistry& registry) {
-    registry.add(
-        {QStringLiteral("transfert"), kTransferUsage + QStringLiteral(" [--as LOGIN]"), transfer});
-    registry.add({QStringLiteral("journal"), kJournalUsage, journal});
-    registry.add({QStringLiteral("stats"), kStatsUsage, statistics});
+    registry.add({QStringLiteral("transfert"), kTransferUsage + QStringLiteral(" --as LOGIN"),
+                  transfer, app::entryRights(QStringLiteral("mnu_facturation_compta"))});
+    registry.add({QStringLiteral("journal"), kJournalUsage, journal,
+                  app::entryRights(QStringLiteral("mnu_facturation_journal"), false)});
+    registry.add({QStringLiteral("stats"), kStatsUsage, statistics,
+                  [](const app::BatchContext& c) {
+                      static const QStringList entries{
+                          QStringLiteral("mnu_stat_ca_compet"), QStringLiteral("mnu_stat_ca_ligue"),
+                          QStringLiteral("mnu_stat_ca_dept"), QStringLiteral("mnu_stat_ca_ir")};
+                      const int mode = c.option(QStringLiteral("--mode")).toInt();
+                      return app::BatchRights{entries.value(mode - 1, entries.first()), false};
+                  }});
 }
 
 }  // namespace orve::accounting

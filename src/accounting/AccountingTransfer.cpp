@@ -17,6 +17,7 @@
 #include "accounting/AccountingConstants.h"
 #include "accounting/ReportSql.h"
 #include "invoicing/InvoiceRecords.h"
+#include "reference/Visibility.h"
 #include "store/FileWriting.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
@@ -66,8 +67,14 @@ const QString kTransferFrom =
         "JOIN strfacture f ON f.f_num_facture = ") +
     sql::kPaddedHeaderNumber;
 
-store::Condition transferCondition(const invoicing::SelectionCondition& s) {
+store::Condition transferCondition(const invoicing::SelectionCondition& s, const QString& level) {
     store::Condition c = s.competitions;
+    // Each level transfers into its own books what it issued.
+    if (level.trimmed().compare(reference::kNationalLevel, Qt::CaseInsensitive) == 0)
+        c &= store::Condition(QStringLiteral(
+            "(e.ent_niveau IS NULL OR trim(e.ent_niveau) = '' OR upper(e.ent_niveau) = 'JKV')"));
+    else
+        c &= store::Condition(QStringLiteral("upper(e.ent_niveau) = upper(?)"), {level.trimmed()});
     c &= store::Condition(
         QStringLiteral("COALESCE(e.ent_compta, '%1') <> '%2'").arg(kNotTransferred, kTransferred));
     // The month chooses whole invoices, by their date.
@@ -278,7 +285,7 @@ const std::vector<ReportColumn>& transferColumns() {
 }
 
 store::Query transferSelectionQuery(const invoicing::SelectionCondition& selection,
-                                    TransferLayout layout) {
+                                    TransferLayout layout, const QString& level) {
     const QString select =
         QStringLiteral("SELECT ") + sql::kCompetitionColumns +
         QStringLiteral(
@@ -291,12 +298,14 @@ store::Query transferSelectionQuery(const invoicing::SelectionCondition& selecti
         accountColumns(layout) +
         QStringLiteral(", e.ent_fact_no, e.ent_tiers_fact, e.ent_c_index") + kTransferFrom +
         QStringLiteral(" LEFT JOIN strarticle a ON a.a_index = f.f_article");
-    return {select, transferCondition(selection), QStringLiteral("c_num_facture, c_fact_ir")};
+    return {select, transferCondition(selection, level),
+            QStringLiteral("c_num_facture, c_fact_ir")};
 }
 
 ReportTotals transferSelectionTotals(const store::Store& store,
-                                     const invoicing::SelectionCondition& selection) {
-    const store::Condition where = transferCondition(selection);
+                                     const invoicing::SelectionCondition& selection,
+                                     const QString& level) {
+    const store::Condition where = transferCondition(selection, level);
     const auto row =
         store.selectOne(QStringLiteral("SELECT COUNT(*), CAST(COALESCE(SUM(f.f_montant), 0) AS "
                                        "BIGINT), CAST(COALESCE(SUM(f.f_qte), 0) AS BIGINT)") +
@@ -316,7 +325,8 @@ QString nationalTransferName(const QDate& day) {
 }
 
 TransferResult writeTransfer(store::Store& store, const QString& folder, TransferLayout layout,
-                             const invoicing::SelectionCondition& selection, const QDate& today,
+                             const QString& level, const invoicing::SelectionCondition& selection,
+                             const QDate& today,
                              const TransferOptions& options) {
     const QDir dir(canonicalFolder(folder));
     recoverInterruptedTransfers(store, dir.path());
@@ -328,7 +338,9 @@ TransferResult writeTransfer(store::Store& store, const QString& folder, Transfe
     store.lockSeries(kTransferSeries);
     // Read inside the transaction: the file holds exactly what is marked.
     const bool national = layout == TransferLayout::National;
-    const store::Condition where = transferCondition(selection);
+    // One statement reads what the file holds: one consistent view of the
+    // invoices, whatever other workstations commit meanwhile.
+    const store::Condition where = transferCondition(selection, level);
     const store::Rows rows = store.select(fileStatement(layout, where), where.params());
     if (rows.empty()) throw Refusal(kNothingToTransfer);
 
@@ -382,20 +394,16 @@ TransferResult writeTransfer(store::Store& store, const QString& folder, Transfe
             }
         invoices.swap(unique);
     }
-    // One statement marks what the file holds: the same selection, read again
-    // inside the same transaction. Another count means another workstation
-    // changed those invoices meanwhile, and nothing is kept.
+    // Exactly the invoices the file holds are marked: one invoiced since
+    // the reading waits for the next transfer. Fewer marked means another
+    // transfer took some of them meanwhile, and nothing is kept.
     const int expected = static_cast<int>(invoices.size());
-    store::Params markParams{kTransferred, stored};
-    for (const auto& p : where.params()) markParams.push_back(p);
-    const int marked = store.exec(
-        QStringLiteral("UPDATE strentete SET ent_compta = ?, c_transfert = ? WHERE ent_fact_no IN "
-                       "(SELECT e.ent_fact_no FROM strcompetition c JOIN strentete e ON "
-                       "e.ent_c_index = c.c_index") +
-            where.where() +
-            QStringLiteral(" AND EXISTS (SELECT 1 FROM strfacture f WHERE f.f_num_facture = ") +
-            sql::kPaddedHeaderNumber + QStringLiteral("))"),
-        markParams);
+    const int marked = forEachChunk(
+        store,
+        QStringLiteral("UPDATE strentete SET ent_compta = ?, c_transfert = ? WHERE "
+                       "COALESCE(ent_compta, '%1') <> '%2' AND ent_fact_no IN (%3)")
+            .arg(kNotTransferred, kTransferred, QStringLiteral("%1")),
+        {kTransferred, stored}, invoices);
     if (marked != expected)
         throw StoreError(QStringLiteral("Le transfert est annulé : des factures ont changé pendant "
                                         "le transfert (%1 à marquer, %2 trouvées). Recommencez.")

@@ -29,10 +29,14 @@ namespace orve::accounting {
 
 // The lines to transfer, as the grid lists them (by invoice number), with the
 // accounts of the layout: t_kvarn and t_jkv.
+// A transfer takes the invoices its operator's level issued (`level` as
+// reference::Viewer::level() gives it); an invoice with no recorded level is
+// the national level's.
 store::Query transferSelectionQuery(const invoicing::SelectionCondition& selection,
-                                    TransferLayout layout);
+                                    TransferLayout layout, const QString& level);
 ReportTotals transferSelectionTotals(const store::Store& store,
-                                     const invoicing::SelectionCondition& selection);
+                                     const invoicing::SelectionCondition& selection,
+                                     const QString& level);
 // The grid's columns.
 const std::vector<ReportColumn>& transferColumns();
 
@@ -63,7 +67,8 @@ QString nationalTransferName(const QDate& day);
 // the national file of the day is replaced, a league file takes the next
 // free counter. Refusal "aucune facture à transférer" when nothing is left.
 TransferResult writeTransfer(store::Store& store, const QString& folder, TransferLayout layout,
-                             const invoicing::SelectionCondition& selection, const QDate& today,
+                             const QString& level, const invoicing::SelectionCondition& selection,
+                             const QDate& today,
                              const TransferOptions& options = {});
 
 // Finishes what a stopped transfer left in `folder`: a temporary whose marks

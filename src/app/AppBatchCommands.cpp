@@ -91,7 +91,14 @@ void registerAppBatchCommands(BatchRegistry& r) {
     r.add({"user",
            "user add LOGIN --league CODE [--mail ADRESSE] | user passwd LOGIN (mot de passe "
            "sur l'entrée standard)",
-           user});
+           user,
+           // With --as, the operator needs the rights menu; without, it is the
+           // recovery path of whoever holds the installation's files.
+           [](const BatchContext& c) {
+               return c.asLogin().isEmpty()
+                          ? BatchRights{}
+                          : BatchRights{QStringLiteral("mnu_fic_parametre_droits"), true};
+           }});
     r.add({"signin", "signin LOGIN (mot de passe sur l'entrée standard)", signin});
     r.add({"backup", "backup DOSSIER", backup});
 }

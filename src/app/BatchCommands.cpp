@@ -3,6 +3,7 @@
 #include <QDir>
 #include <cstdio>
 
+#include "app/MenuTree.h"
 #include "app/SignIn.h"
 #include "app/Startup.h"
 #include "store/Refusal.h"
@@ -55,6 +56,22 @@ QString BatchContext::readLine() {
     return in.readLine();
 }
 
+void requireBatchRights(BatchContext& context, const BatchRights& rights) {
+    if (rights.entry.isEmpty()) return;
+    const QString caption = entryCaption(rights.entry);
+    if (context.asLogin().isEmpty()) {
+        if (!rights.writes) return;
+        throw Refusal(QStringLiteral("Cette commande modifie les données : indiquez l'opérateur "
+                                     "avec --as LOGIN ; ses droits sont ceux du menu « %1 ».")
+                          .arg(caption));
+    }
+    Session& session = context.session();
+    if (!entryAllowed(rights.entry, true, session.user().login, session.isNational()))
+        throw Refusal(QStringLiteral("L'utilisateur « %1 » n'a pas accès à « %2 » : cette "
+                                     "commande lui est refusée comme le menu la lui refuse.")
+                          .arg(session.user().login, caption));
+}
+
 QString requiredArgument(const QStringList& values, int i, const QString& usage) {
     if (i >= values.size() || values[i].isEmpty())
         throw Refusal(QStringLiteral("Argument manquant. Usage : orve-batch %1").arg(usage));
@@ -93,6 +110,7 @@ int runBatch(const BatchRegistry& registry, const BatchContext::SessionOpener& o
     BatchContext context(args, resolveProgramFolder(home, executableFolder), as, out, err,
                          Clock::fromEnvironment(), openSession);
     try {
+        if (command->rights) requireBatchRights(context, command->rights(context));
         const int rc = command->run(context);
         out.flush();
         return rc;

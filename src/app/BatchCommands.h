@@ -57,12 +57,34 @@ class BatchContext {
 // values[i], or a refusal that shows the command's usage.
 QString requiredArgument(const QStringList& values, int i, const QString& usage);
 
+// What a command stands for in the menu, for the arguments it was given: the
+// --as operator needs the rights to that entry, as at the desktop. A command
+// that writes business data needs --as; one that only reads runs without it,
+// and with it checks the rights all the same.
+struct BatchRights {
+    QString entry;  // a menu entry's name; empty for installation administration
+    bool writes = true;
+};
+
+// The --as operator's rights to what the command does (see BatchRights);
+// Refusal naming the entry when it lacks them or when --as is missing.
+void requireBatchRights(BatchContext& context, const BatchRights& rights);
+
 struct BatchCommand {
     QString name;
     QString usage;
     // Returns the exit code; throws Refusal for the system's own refusals.
     std::function<int(BatchContext&)> run;
+    // None: installation administration (init, user, migrate, backup), open to
+    // whoever holds the data files or the database password.
+    std::function<BatchRights(const BatchContext&)> rights = {};
 };
+
+// Rights for a command that always stands for one entry.
+inline std::function<BatchRights(const BatchContext&)> entryRights(const QString& entry,
+                                                                    bool writes = true) {
+    return [entry, writes](const BatchContext&) { return BatchRights{entry, writes}; };
+}
 
 class BatchRegistry {
   public:

@@ -106,10 +106,46 @@ bool isAdministratorEntry(const QString& name) {
     return admin.contains(name);
 }
 
-bool entryAllowed(const QString& name, bool signedIn, const QString& login) {
+bool isNationalEntry(const QString& name) {
+    if (name == QStringLiteral("mnu_out_newsaison") || name == QStringLiteral("mnu_out_newnumero"))
+        return true;
+    // Every numbered tool; the data check only reads.
+    return name.startsWith(QStringLiteral("mnu_outils_")) && name != QStringLiteral("mnu_outils_verif");
+}
+
+bool entryAllowed(const QString& name, bool signedIn, const QString& login, bool national) {
     if (name == QStringLiteral("mnu_quitter")) return true;
     if (!signedIn) return false;
-    return !isAdministratorEntry(name) || login == QStringLiteral("gestu");
+    const auto usable = [&](const QString& entry) {
+        return (!isAdministratorEntry(entry) || login == QStringLiteral("gestu")) &&
+               (!isNationalEntry(entry) || national);
+    };
+    const auto& tree = menuTree();
+    int at = -1;
+    for (int i = 0; i < static_cast<int>(tree.size()); ++i)
+        if (tree[static_cast<size_t>(i)].name == name) at = i;
+    if (at < 0) return usable(name);
+    // The entry, then each submenu above it up to the menu bar.
+    int level = tree[static_cast<size_t>(at)].level + 1;
+    for (int i = at; i >= 0 && level > 0; --i) {
+        const MenuEntry& e = tree[static_cast<size_t>(i)];
+        if (e.level >= level) continue;
+        level = e.level;
+        if (!usable(e.name)) return false;
+    }
+    return true;
+}
+
+QString entryOfMode(const QString& screen, const QString& mode) {
+    for (const auto& e : menuTree())
+        if (e.screen == screen && e.mode == mode) return e.name;
+    return {};
+}
+
+QString entryCaption(const QString& name) {
+    for (const auto& e : menuTree())
+        if (e.name == name) return QString(e.caption).remove(QChar('&')).trimmed();
+    return name;
 }
 
 }  // namespace orve::app

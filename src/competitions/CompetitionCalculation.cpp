@@ -50,6 +50,7 @@ int calculateCompetition(store::Store& store, const reference::Viewer& viewer, c
                          const QString& nature, bool stillOpen) {
     if (stillOpen) throw Refusal(QStringLiteral("Vous devez d'abord valider cette compétition"));
     const QString key = index.trimmed();
+    requireCompetitionOwner(store, viewer, key);
     // A run under way on these rows keeps them; it is not calculated again
     // beneath it.
     requireNoLiveRun(store, RunScope::competition(key));

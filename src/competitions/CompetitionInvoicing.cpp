@@ -123,6 +123,7 @@ InvoicingOutcome invoiceCompetition(Store& store, const reference::Viewer& viewe
                                     const QString& index, const InvoicingPrices& prices,
                                     const QDate& today, const InvoicingProgress& progress) {
     const CompetitionRecord c = loadCompetition(store, index);
+    requireCompetitionOwner(store, viewer, c.index);
     if (c.billEntry && prices.entry <= Money())
         throw Refusal(QStringLiteral("Veuillez saisir un tarif"));
     if (c.billLines && prices.line <= Money())

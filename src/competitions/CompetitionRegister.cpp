@@ -1,6 +1,7 @@
 #include "competitions/CompetitionRegister.h"
 
 #include <QHash>
+#include <QSet>
 #include <QRegularExpression>
 
 #include "reference/ReferenceCodes.h"
@@ -223,11 +224,12 @@ ValidationOutcome writeAndBuild(Store& store, const reference::Viewer& viewer,
 }
 
 // A new master row under the next key of its season.
-QString addMaster(Store& store, const QString& season) {
+QString addMaster(Store& store, const QString& season, const QString& owner) {
     const QString index = nextMasterIndex(store, season);
     const QString stamp = todayText();
     store.insert(QStringLiteral("strcompetition"), {{"c_index", index},
                                                     {"c_saison", season},
+                                                    {"c_niveau", owner},
                                                     {"index_reference", kMasterReference},
                                                     {"c_facture", kMasterState},
                                                     {"c_nb_equipe", 0},
@@ -358,8 +360,9 @@ ValidationOutcome saveCompetition(Store& store, const reference::Viewer& viewer,
     QString season;
     if (index.isEmpty()) {
         season = checkedSeason(record.season);
-        index = addMaster(store, season);
+        index = addMaster(store, season, viewer.level());
     } else {
+        requireCompetitionOwner(store, viewer, index);
         const auto master = store.selectOne(
             QStringLiteral("SELECT c_saison FROM strcompetition WHERE c_index = ? AND "
                            "index_reference = ?"),
@@ -397,8 +400,10 @@ ValidationOutcome createComplementaryCompetition(Store& store, const reference::
     checkCompetition(record);
     store::Transaction tx(store);
     store.lockSeries(kKeySeries);
+    if (!record.index.trimmed().isEmpty())
+        requireCompetitionOwner(store, viewer, record.index.trimmed());
     const QString season = checkedSeason(record.season);
-    const QString index = addMaster(store, season);
+    const QString index = addMaster(store, season, viewer.level());
     ValidationOutcome outcome = writeAndBuild(store, viewer, record, index, season);
     tx.commit();
     return outcome;
@@ -424,8 +429,10 @@ QString nextPartyIndex(const Store& store, const QString& season) {
     return keyOf(prefix, lastSequenceOfPrefix(store, prefix) + 1);
 }
 
-void setTeamCounts(Store& store, const QString& partyIndex, const TeamCounts& counts) {
+void setTeamCounts(Store& store, const reference::Viewer& viewer, const QString& partyIndex,
+                   const TeamCounts& counts) {
     store::Transaction tx(store);
+    requireCompetitionOwner(store, viewer, partyIndex.trimmed());
     const auto row = store.selectOne(
         QStringLiteral("SELECT c_nom_organisateur, c_facture FROM strcompetition WHERE "
                        "c_index = ? AND index_reference <> ?"),
@@ -459,6 +466,108 @@ void setTeamCounts(Store& store, const QString& partyIndex, const TeamCounts& co
                   {"c_date_modif", todayText()}},
                  QStringLiteral("c_index = ?"), {partyIndex.trimmed()});
     tx.commit();
+}
+
+QString competitionOwner(const Store& store, const QString& index) {
+    const auto row = store.selectOne(
+        QStringLiteral("SELECT c_niveau, index_reference FROM strcompetition WHERE c_index = ?"),
+        {index.trimmed()});
+    if (!row) return reference::kNationalLevel;
+    QString owner = text(*row, "c_niveau").trimmed();
+    const QString master = text(*row, "index_reference").trimmed();
+    if (!master.isEmpty() && master != kMasterReference)
+        owner = store
+                    .scalar(QStringLiteral("SELECT c_niveau FROM strcompetition WHERE c_index = ?"),
+                            {master})
+                    .toString()
+                    .trimmed();
+    return owner.isEmpty() ? reference::kNationalLevel : owner;
+}
+
+bool mayChangeCompetition(const Store& store, const reference::Viewer& viewer,
+                          const QString& index) {
+    return viewer.mayChange(competitionOwner(store, index));
+}
+
+void requireCompetitionOwner(const Store& store, const reference::Viewer& viewer,
+                             const QString& index) {
+    const QString owner = competitionOwner(store, index);
+    if (!viewer.mayChange(owner))
+        throw Refusal(QStringLiteral("Cette compétition est celle %1 : seuls ce niveau et le "
+                                     "niveau national peuvent la modifier, la calculer ou la "
+                                     "facturer. Vous pouvez la consulter.")
+                          .arg(reference::ofLevel(owner)));
+}
+
+namespace {
+
+// The level a stored competition's party rows show (see assignCompetitionOwners).
+QString ownerFromRows(const Store& store, const QString& index) {
+    const store::Rows rows = store.select(
+        QStringLiteral("SELECT c_organisateur, c_nom_organisateur, c_dept FROM strcompetition "
+                       "WHERE index_reference = ?"),
+        {index});
+    QSet<QString> departments;
+    QString kind;
+    QString firstCode;
+    for (const auto& r : rows) {
+        const QString k = text(r, "c_organisateur").trimmed().toUpper();
+        if (k == kLeagues) return reference::kNationalLevel;
+        if (k != kClubs && k != kCommittees) continue;
+        kind = k;
+        if (firstCode.isEmpty()) firstCode = text(r, "c_nom_organisateur").left(codeLength(k));
+        departments.insert(reference::formatNumber(text(r, "c_dept").trimmed(), 3));
+    }
+    if (kind.isEmpty()) return reference::kNationalLevel;
+    const bool clubs = kind == kClubs;
+    const auto league = store.selectOne(
+        clubs ? QStringLiteral("SELECT club_region FROM strclub WHERE club_code = ?")
+              : QStringLiteral("SELECT de_region FROM strdept WHERE de_no = ?"),
+        {clubs ? firstCode.trimmed() : *departments.begin()});
+    const QString leagueCode = league ? league->value(0).toString().trimmed() : QString();
+    if (departments.size() == 1) {
+        // One department: a committee's list, unless its league has no other.
+        const bool otherDepartments =
+            !leagueCode.isEmpty() &&
+            store.exists(QStringLiteral("SELECT 1 FROM strdept WHERE de_region = ? AND de_no <> ?"),
+                         {leagueCode, *departments.begin()});
+        if (otherDepartments || leagueCode.isEmpty())
+            return QStringLiteral("CD") + *departments.begin();
+    }
+    return leagueCode.isEmpty() ? reference::kNationalLevel : leagueCode;
+}
+
+}  // namespace
+
+int assignCompetitionOwners(Store& store) {
+    const QString unassigned = QStringLiteral(
+        "index_reference = '00000000' AND (c_niveau IS NULL OR trim(c_niveau) = '')");
+    const bool competitions =
+        store.exists(QStringLiteral("SELECT 1 FROM strcompetition WHERE ") + unassigned);
+    const bool invoices =
+        store.exists(QStringLiteral("SELECT 1 FROM strentete WHERE ent_niveau IS NULL"));
+    if (!competitions && !invoices) return 0;
+    store::Transaction tx(store);
+    int assigned = 0;
+    for (const auto& r : store.select(QStringLiteral("SELECT c_index FROM strcompetition WHERE ") +
+                                      unassigned)) {
+        const QString index = text(r, "c_index");
+        assigned += store.update(QStringLiteral("strcompetition"),
+                                 {{"c_niveau", ownerFromRows(store, index)}},
+                                 QStringLiteral("c_index = ? AND index_reference = ? AND "
+                                                "(c_niveau IS NULL OR trim(c_niveau) = '')"),
+                                 {index, kMasterReference});
+    }
+    // Invoices stored before levels were recorded: their competition's owner
+    // issued them; those of no such competition are the national level's.
+    if (invoices)
+        store.exec(QStringLiteral(
+            "UPDATE strentete SET ent_niveau = COALESCE((SELECT m.c_niveau FROM strcompetition r "
+            "JOIN strcompetition m ON m.c_index = CASE WHEN r.index_reference = '00000000' THEN "
+            "r.c_index ELSE r.index_reference END WHERE r.c_index = strentete.ent_c_index "
+            "LIMIT 1), 'JKV') WHERE ent_niveau IS NULL"));
+    tx.commit();
+    return assigned;
 }
 
 }  // namespace orve::competitions

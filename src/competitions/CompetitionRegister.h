@@ -108,6 +108,25 @@ struct TeamCounts {
 };
 // Writes the counts of one party row; each must be a whole number ≥ 0 (an
 // empty box is 0), else a Refusal naming the row and nothing is written.
-void setTeamCounts(store::Store& store, const QString& partyIndex, const TeamCounts& counts);
+void setTeamCounts(store::Store& store, const reference::Viewer& viewer,
+                   const QString& partyIndex, const TeamCounts& counts);
+
+// The level that owns a competition, from its master (`index` may name the
+// master or one of its party rows); the national level when none is recorded.
+QString competitionOwner(const store::Store& store, const QString& index);
+// Whether the viewer may change, calculate or invoice the competition: its
+// owner level and the national level may.
+bool mayChangeCompetition(const store::Store& store, const reference::Viewer& viewer,
+                          const QString& index);
+// A Refusal naming the owner when the viewer may not.
+void requireCompetitionOwner(const store::Store& store, const reference::Viewer& viewer,
+                             const QString& index);
+// Gives each master stored without an owner the level its party rows show:
+// league rows the national level; clubs or committees of one department the
+// committee (unless the league has no other); of several, their league.
+// Invoices stored without their issuing level get their competition's owner
+// (the national level when none). One transaction; returns the masters given
+// an owner.
+int assignCompetitionOwners(store::Store& store);
 
 }  // namespace orve::competitions

@@ -75,10 +75,12 @@ int run(app::BatchContext& c, BatchKind kind, const QString& usage) {
 
 void registerNationalBatchCommands(app::BatchRegistry& registry) {
     registry.add(
-        {QStringLiteral("cdc"), kChampionshipUsage + QStringLiteral(" [--as LOGIN]"),
-         [](app::BatchContext& c) { return run(c, BatchKind::Championship, kChampionshipUsage); }});
-    registry.add({QStringLiteral("prive"), kPrivateUsage + QStringLiteral(" [--as LOGIN]"),
-                  [](app::BatchContext& c) { return run(c, BatchKind::Private, kPrivateUsage); }});
+        {QStringLiteral("cdc"), kChampionshipUsage + QStringLiteral(" --as LOGIN"),
+         [](app::BatchContext& c) { return run(c, BatchKind::Championship, kChampionshipUsage); },
+         app::entryRights(QStringLiteral("mnu_facturation_cdc"))});
+    registry.add({QStringLiteral("prive"), kPrivateUsage + QStringLiteral(" --as LOGIN"),
+                  [](app::BatchContext& c) { return run(c, BatchKind::Private, kPrivateUsage); },
+                  app::entryRights(QStringLiteral("mnu_facturation_prive"))});
 }
 
 }  // namespace orve::competitions

@@ -121,7 +121,10 @@ QString writeInvoice(Store& store, const PreparedInvoice& inv, const QDate& toda
                       {inv.rowIndex, kCalculatedState}))
         return {};
     const QString number = invoicing::nextInvoiceNumber(store);
-    store.insert(QStringLiteral("strentete"), headerFields(number, inv, today, due));
+    store::Fields header = headerFields(number, inv, today, due);
+    // The competition's owner issues its invoices.
+    header.push_back({"ent_niveau", competitionOwner(store, inv.rowIndex)});
+    store.insert(QStringLiteral("strentete"), header);
     const QString padded = invoicing::paddedInvoiceNumber(number);
     int lineNumber = 0;
     for (const InvoiceLine& l : inv.lines)

@@ -24,7 +24,9 @@ const char* const kCopiedHeaderColumns[] = {
     "ent_clt_president",    "ent_clt_ad1",        "ent_clt_ad2",       "ent_clt_ad3",
     "ent_clt_ad4",          "ent_clt_cp_ville",   "ent_fact_mail1",    "ent_fact_mail2",
     "ent_fact_competition", "ent_fact_entite",    "ent_clt_entite",    "ent_tiers_fact",
-    "ent_tiers_clt",        "ent_c_codification", "ent_c_index",       "ent_nature"};
+    "ent_tiers_clt",        "ent_c_codification", "ent_c_index",       "ent_nature",
+    // The credit note belongs to the books of the level that issued the invoice.
+    "ent_niveau"};
 
 // Headers are keyed by the number without leading zeros; the operator may
 // type it padded, as the lines and the file names show it.
@@ -36,12 +38,18 @@ QString headerNumber(const QString& typed) {
 }
 
 // Why `number` cannot be cancelled, or nothing when it can.
-std::optional<QString> refusalFor(const Store& store, const QString& number) {
+std::optional<QString> refusalFor(const Store& store, const QString& number,
+                                  const QString& operatorLevel) {
     const auto header = store.selectOne(
-        QStringLiteral(
-            "SELECT ent_fact_type, ent_fact_origine FROM strentete WHERE ent_fact_no = ?"),
+        QStringLiteral("SELECT ent_fact_type, ent_fact_origine, ent_niveau FROM strentete "
+                       "WHERE ent_fact_no = ?"),
         {number});
     if (!header) return QStringLiteral("La facture N° %1 n'existe pas.").arg(number);
+    const QString issuer = header->value(2).toString();
+    if (!reference::levelMayChange(operatorLevel, issuer))
+        return QStringLiteral("La facture N° %1 est une facture %2 : seuls ce niveau et le niveau "
+                              "national peuvent l'annuler.")
+            .arg(number, reference::ofLevel(issuer));
     // A negative invoice counts as a credit note as much as one made here.
     if (header->value(0).toString().trimmed() == kCreditNoteType ||
         !header->value(1).toString().trimmed().isEmpty())
@@ -60,12 +68,13 @@ std::optional<QString> refusalFor(const Store& store, const QString& number) {
 }
 
 // One credit note, one transaction.
-QString issueOne(Store& store, const QString& invoice, const QDate& today) {
+QString issueOne(Store& store, const QString& invoice, const QDate& today,
+                 const QString& operatorLevel) {
     store::Transaction tx(store);
     // Checked again under the lock: another workstation may have cancelled it
     // since the list was checked.
     store.lockSeries(kInvoiceSeries);
-    if (const auto why = refusalFor(store, invoice)) throw Refusal(*why);
+    if (const auto why = refusalFor(store, invoice, operatorLevel)) throw Refusal(*why);
     const store::Row original = requireHeader(store, invoice);
     const QString number = nextInvoiceNumber(store);
     store::Fields fields{{"ent_fact_no", number}};
@@ -105,7 +114,8 @@ QString CreditNoteCheck::refusalText() const {
     return lines.join(QChar('\n'));
 }
 
-CreditNoteCheck checkCreditNotes(const Store& store, const std::vector<QString>& invoices) {
+CreditNoteCheck checkCreditNotes(const Store& store, const std::vector<QString>& invoices,
+                                 const QString& operatorLevel) {
     std::vector<QString> numbers;
     for (const QString& typed : invoices) {
         const QString number = headerNumber(typed);
@@ -115,7 +125,7 @@ CreditNoteCheck checkCreditNotes(const Store& store, const std::vector<QString>&
     if (numbers.empty()) throw Refusal(QStringLiteral("Aucune facture de sélectionnée"));
     CreditNoteCheck check;
     for (const QString& number : numbers) {
-        if (const auto why = refusalFor(store, number))
+        if (const auto why = refusalFor(store, number, operatorLevel))
             check.refused.push_back({number, *why});
         else
             check.accepted.push_back(number);
@@ -125,13 +135,14 @@ CreditNoteCheck checkCreditNotes(const Store& store, const std::vector<QString>&
 
 std::vector<IssuedCreditNote> issueCreditNotes(Store& store, const std::vector<QString>& invoices,
                                                const QDate& today,
-                                               const CreditNoteProgress& progress) {
-    const CreditNoteCheck check = checkCreditNotes(store, invoices);
+                                               const CreditNoteProgress& progress,
+                                               const QString& operatorLevel) {
+    const CreditNoteCheck check = checkCreditNotes(store, invoices, operatorLevel);
     if (!check.refused.empty()) throw Refusal(check.refusalText());
     std::vector<IssuedCreditNote> issued;
     const int total = static_cast<int>(check.accepted.size());
     for (const QString& invoice : check.accepted) {
-        issued.push_back({invoice, issueOne(store, invoice, today)});
+        issued.push_back({invoice, issueOne(store, invoice, today, operatorLevel)});
         // The rows of the workstation's invoice list that show the cancelled
         // invoice show the credit note's date from now on.
         store.scratch().update(QStringLiteral("strcompetition"),

@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "reference/Visibility.h"
 #include "store/Store.h"
 
 // Credit notes: each cancels one invoice by a new header of type "A" under the
@@ -34,7 +35,10 @@ struct CreditNoteCheck {
 // is refused when it does not exist, has no line, is itself a credit note
 // ("L'avoir N° X ne peut pas être annulé par un avoir") or already has one
 // ("La facture N° X a déjà été annulée par l'avoir N° Y").
-CreditNoteCheck checkCreditNotes(const store::Store& store, const std::vector<QString>& invoices);
+// An invoice issued by another level than the operator's is refused too,
+// unless the operator works at the national level.
+CreditNoteCheck checkCreditNotes(const store::Store& store, const std::vector<QString>& invoices,
+                                 const QString& operatorLevel = reference::kNationalLevel);
 
 struct IssuedCreditNote {
     QString invoice;     // the number cancelled
@@ -58,6 +62,8 @@ using CreditNoteProgress = std::function<bool(const IssuedCreditNote& issued, in
 std::vector<IssuedCreditNote> issueCreditNotes(store::Store& store,
                                                const std::vector<QString>& invoices,
                                                const QDate& today,
-                                               const CreditNoteProgress& progress = {});
+                                               const CreditNoteProgress& progress = {},
+                                               const QString& operatorLevel =
+                                                   reference::kNationalLevel);
 
 }  // namespace orve::invoicing

@@ -105,16 +105,20 @@ void createDemoInvoices(store::Store& s, const QDate& today) {
     const QDate day = today.addDays(-10);
     const InvoiceParty none;
 
-    // Licences of a club.
-    const QString licences = createInvoice(
-        s, header(s, kLicenceIndex, day, club(s, QStringLiteral("CL13001")), none), today);
+    // Licences of a club, invoiced by its league.
+    InvoiceHeader licenceHeader =
+        header(s, kLicenceIndex, day, club(s, QStringLiteral("CL13001")), none);
+    licenceHeader.level = QStringLiteral("LR06");
+    const QString licences = createInvoice(s, licenceHeader, today);
     fill(s, licences,
          {article(s, QStringLiteral("00000004"), 1), article(s, QStringLiteral("00000001"), 12),
           article(s, QStringLiteral("00000002"), 5), article(s, QStringLiteral("00000003"), 3)});
 
-    // Miscellaneous invoice to a committee, with a free-text line and a deposit.
+    // Miscellaneous invoice of the league to a committee, with a free-text
+    // line and a deposit.
     InvoiceHeader misc = header(s, kMiscIndex, day, committee(s, QStringLiteral("013")), none);
     misc.deposit = Money::fromCents(5000);
+    misc.level = QStringLiteral("LR06");
     const QString miscNumber = createInvoice(s, misc, today);
     fill(s, miscNumber,
          {article(s, QStringLiteral("00000005"), 1),

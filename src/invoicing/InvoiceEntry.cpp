@@ -268,6 +268,7 @@ InvoiceHeader entryHeader(const Store& store, const EntryMode& mode,
     h.billed = state.billed;
     h.client = onBehalfOf(state.billed, state.client);
     h.dueDateText = state.dueDateText;
+    h.level = state.level;
     validateHeader(h);
 
     h.competitionIndex =

@@ -101,6 +101,7 @@ struct EntryHeaderState {
     QString competitionTitle;   // LI, JORE: "Nom et date de la ligue"
     QString depositText = QStringLiteral("0");
     QString dueDateText;  // an invoice brought back keeps its own; empty: the invoice date
+    QString level = QStringLiteral("JKV");  // the operator's level, which issues a new invoice
 };
 
 // LI and JORE: the competition title typed in the invoice's own data

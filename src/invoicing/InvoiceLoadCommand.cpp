@@ -15,7 +15,7 @@ namespace orve::invoicing {
 
 namespace {
 
-const QString kUsage = QStringLiteral("factures-essai NOMBRE [--club CODE] [--as LOGIN]");
+const QString kUsage = QStringLiteral("factures-essai NOMBRE [--club CODE]");
 
 // How many times one invoice is made again after another workstation held the
 // store, and the first pause between two tries (it doubles each time).
@@ -152,7 +152,8 @@ int trialInvoices(app::BatchContext& c) {
 }  // namespace
 
 void registerInvoiceLoadCommand(app::BatchRegistry& r) {
-    r.add({QStringLiteral("factures-essai"), kUsage, trialInvoices});
+    r.add({QStringLiteral("factures-essai"), kUsage + QStringLiteral(" --as LOGIN"), trialInvoices,
+           app::entryRights(QStringLiteral("mnu_facturation_diverses"))});
 }
 
 }  // namespace orve::invoicing

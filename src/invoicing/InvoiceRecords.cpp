@@ -148,6 +148,7 @@ QString createInvoice(Store& store, const InvoiceHeader& header, const QDate& /*
     Fields fields{{"ent_fact_no", number}};
     for (auto& f : headerFields(header, date)) fields.push_back(std::move(f));
     fields.push_back({"ent_montant", 0});
+    fields.push_back({"ent_niveau", header.level});
     // Printed once its document is on disk, not before.
     fields.push_back({"ent_fact_edt", "N"});
     fields.push_back({"ent_envoi_mail", "N"});

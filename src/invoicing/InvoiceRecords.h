@@ -65,6 +65,9 @@ struct InvoiceHeader {
     InvoiceParty client;  // "pour le compte de"
     Money deposit;
     QString type = kInvoiceType;
+    // The level that issues it (ent_niveau), set at creation only: its
+    // accounting transfer and its cancellation belong to that level.
+    QString level = QStringLiteral("JKV");
 };
 
 // One line as written by a run or edited by the operator.

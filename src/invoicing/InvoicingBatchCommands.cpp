@@ -1,6 +1,7 @@
 #include <QDir>
 
 #include "app/BatchCommands.h"
+#include "reference/Visibility.h"
 #include "invoicing/CreditNotes.h"
 #include "invoicing/DocumentSettings.h"
 #include "invoicing/InvoiceFiles.h"
@@ -62,7 +63,8 @@ int creditNotes(app::BatchContext& c) {
                                      << note.invoice << " annulée\n";
                              c.out().flush();
                              return true;
-                         });
+                         },
+                         reference::Viewer::of(session).level());
     c.out() << issued.size() << " avoir(s) généré(s)\n";
     return 0;
 }
@@ -70,9 +72,10 @@ int creditNotes(app::BatchContext& c) {
 }  // namespace
 
 void registerInvoicingBatchCommands(app::BatchRegistry& r) {
-    r.add({QStringLiteral("pdf"), kUsage + QStringLiteral(" [--as LOGIN]"), pdf});
-    r.add(
-        {QStringLiteral("avoir"), kCreditNoteUsage + QStringLiteral(" [--as LOGIN]"), creditNotes});
+    r.add({QStringLiteral("pdf"), kUsage + QStringLiteral(" --as LOGIN"), pdf,
+           app::entryRights(QStringLiteral("mnu_facturation_globale"))});
+    r.add({QStringLiteral("avoir"), kCreditNoteUsage + QStringLiteral(" --as LOGIN"), creditNotes,
+           app::entryRights(QStringLiteral("mnu_facturation_globale"))});
 }
 
 }  // namespace orve::invoicing

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "app/MenuTree.h"
 #include "invoicing/InvoiceMailing.h"
 #include "invoicing/MailOutbox.h"
 #include "invoicing/MailSettings.h"
@@ -138,8 +139,20 @@ int mailText(app::BatchContext& c) {
 }  // namespace
 
 void registerMailBatchCommands(app::BatchRegistry& r) {
-    r.add({QStringLiteral("mail"), kMailUsage + QStringLiteral(" [--as LOGIN]"), mail});
-    r.add({QStringLiteral("mail-text"), kTextUsage, mailText});
+    r.add({QStringLiteral("mail"), kMailUsage + QStringLiteral(" --as LOGIN"), mail,
+           [](const app::BatchContext& c) {
+               // Invoices are mailed from the entry window of their nature.
+               const QString entry = app::entryOfMode(
+                   QStringLiteral("ORVE_facture_creation"),
+                   c.option(QStringLiteral("--nature")).trimmed().toUpper());
+               return app::BatchRights{
+                   entry.isEmpty() ? QStringLiteral("mnu_facturation_globale") : entry, true};
+           }});
+    r.add({QStringLiteral("mail-text"), kTextUsage + QStringLiteral(" --as LOGIN"), mailText,
+           [](const app::BatchContext& c) {
+               return app::BatchRights{QStringLiteral("mnu_out_mail"),
+                                       c.positional().value(0) != QStringLiteral("list")};
+           }});
 }
 
 }  // namespace orve::invoicing

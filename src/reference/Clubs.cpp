@@ -89,6 +89,10 @@ std::optional<ListItem> departmentItem(store::Store& store, const QString& numbe
 namespace {
 void checkDistrict(const ClubEdit& edit) {
     if (edit.district.trimmed().isEmpty()) throw Refusal(QStringLiteral("District obligatoire"));
+}
+
+// After the card's own checks: what no club may be saved with.
+void checkEntries(const ClubEdit& edit) {
     requireText(QStringLiteral("Nom du Club"), edit.card.value("club_nom"));
     requireDigits(QStringLiteral("Code comptable"), edit.account);
 }
@@ -115,6 +119,7 @@ QString add(store::Store& store, const ClubEdit& edit, const QDate& today) {
     const QString key = clubKey(department, number);
     store::Transaction tx(store);
     if (find(store, key)) throw Refusal(QStringLiteral("Ce club existe déjà..."));
+    checkEntries(edit);
     store::Fields fields{{"club_code", key},
                          {"club_num", number},
                          {"club_region", edit.league.trimmed()},
@@ -127,6 +132,7 @@ QString add(store::Store& store, const ClubEdit& edit, const QDate& today) {
 
 void save(store::Store& store, const QString& code, const ClubEdit& edit, const QDate& today) {
     checkDistrict(edit);
+    checkEntries(edit);
     store::Transaction tx(store);
     if (store.update("strclub", commonFields(edit, today), "club_code = ?", {code}) == 0)
         throw Refusal(

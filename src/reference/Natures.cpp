@@ -29,11 +29,11 @@ int save(store::Store& store, const Nature& nature, bool adding) {
     const QString code = nature.code.toUpper();
     const QString fact = nature.onEntries ? QStringLiteral("E") : QStringLiteral("R");
     if (code.trimmed().isEmpty()) throw Refusal(QStringLiteral("code nature obligatoire"));
-    requireText(QStringLiteral("Libellé"), nature.label);
     store::Transaction tx(store);
     const bool found =
         store.exists(QStringLiteral("select 1 from strnaturec where n_code = ?"), {nature.code});
     if (adding && found) throw Refusal(QStringLiteral("Ce code existe déjà"));
+    requireText(QStringLiteral("Libellé"), nature.label);
     const store::Fields fields{{"n_code", code},
                                {"n_libelle", nature.label.toUpper()},
                                {"n_type", "FD"},

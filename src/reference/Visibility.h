@@ -19,8 +19,25 @@ struct Viewer {
     bool isCommitteeUser() const { return login.startsWith(QStringLiteral("CD")); }
     // The committee number of a committee user, as keyed ("13" gives "013").
     QString committeeNumber() const;
+    // The level the user works for: "JKV", "CD" and the committee's number
+    // ("CD013"), or the league's code. What the user creates belongs to it.
+    QString level() const;
+    // Whether the user may change what belongs to `owner`: its own level's,
+    // and everything at the national level. An unknown owner is the national's.
+    bool mayChange(const QString& owner) const;
     static Viewer of(const app::Session& session);
 };
+
+inline const QString kNationalLevel = QStringLiteral("JKV");
+
+// Whether an operator of `operatorLevel` may change what belongs to `owner`:
+// its own level's, and everything at the national level. An unknown owner is
+// the national level's.
+bool levelMayChange(const QString& operatorLevel, const QString& owner);
+
+// A level as it follows "de" in a sentence: "du niveau national", "du comité
+// départemental 013", "de la ligue LR06".
+QString ofLevel(const QString& level);
 
 // The columns of a table that carry a party's league, district and committee.
 // A table without a district or committee column leaves it empty; the filter

@@ -5,6 +5,7 @@
 #include "accounting/AccountingBatch.h"
 #include "app/Startup.h"
 #include "competitions/CompetitionBatch.h"
+#include "competitions/CompetitionRegister.h"
 #include "competitions/NationalBatch.h"
 #include "competitions/PseudoCompetitions.h"
 #include "imports/ImportBatch.h"
@@ -41,6 +42,8 @@ std::unique_ptr<app::Session> openSession(const QString& programFolder, const Cl
                                           const store::PasswordPrompt& askPassword) {
     auto session = app::startSession(programFolder, clock, askPassword);
     session->addSignInStep(competitions::ensurePseudoCompetitions);
+    session->addSignInStep(
+        [](store::Store& store, const QDate&) { competitions::assignCompetitionOwners(store); });
     return session;
 }
 

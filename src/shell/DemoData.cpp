@@ -543,7 +543,7 @@ void fillCompetitions(Store& s, int season) {
             if (!row)
                 throw StoreError(QStringLiteral("Données de démonstration incomplètes : %1 dans %2")
                                      .arg(QString::fromUtf8(code), index));
-            competitions::setTeamCounts(s, row->value(0).toString(),
+            competitions::setTeamCounts(s, d.viewer, row->value(0).toString(),
                                         {QString::fromUtf8(teams), QString::fromUtf8(eliminatory),
                                          QString::fromUtf8(finals)});
         }

@@ -85,10 +85,17 @@ int verify(app::BatchContext& c) {
 }  // namespace
 
 void registerToolsBatchCommands(app::BatchRegistry& registry) {
-    registry.add({QStringLiteral("saison"), kSeasonUsage, season});
-    registry.add({QStringLiteral("renumeroter"), kRenumberUsage, renumber});
-    registry.add({QStringLiteral("outil"), kToolUsage, tool});
-    registry.add({QStringLiteral("verifier"), kCheckUsage, verify});
+    registry.add({QStringLiteral("saison"), kSeasonUsage, season,
+                  app::entryRights(QStringLiteral("mnu_out_newsaison"))});
+    registry.add({QStringLiteral("renumeroter"), kRenumberUsage, renumber,
+                  app::entryRights(QStringLiteral("mnu_out_newnumero"))});
+    registry.add({QStringLiteral("outil"), kToolUsage, tool, [](const app::BatchContext& c) {
+                      return app::BatchRights{
+                          QStringLiteral("mnu_outils_") + c.positional().value(0).trimmed(),
+                          c.hasFlag(QStringLiteral("--oui"))};
+                  }});
+    registry.add({QStringLiteral("verifier"), kCheckUsage, verify,
+                  app::entryRights(QStringLiteral("mnu_outils_verif"), false)});
 }
 
 }  // namespace orve::tools

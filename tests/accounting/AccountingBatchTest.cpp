@@ -43,7 +43,7 @@ TEST(AccountingBatch, TransferJournalAndStatisticsFromTheShell) {
               1);
     EXPECT_EQ(err, "aucune facture à transférer\n");
 
-    ASSERT_EQ(batch(inst.home(), {"transfert", "--annuler", file}, &out, &err), 0);
+    ASSERT_EQ(batch(inst.home(), {"--as", "gestu", "transfert", "--annuler", file}, &out, &err), 0);
     EXPECT_EQ(out,
               "4 facture(s) repositionnée(s) pour un transfert ultérieur\ntraitement terminé\n");
     EXPECT_EQ(test::transferMark(session->store(), "2021000012"), "N");

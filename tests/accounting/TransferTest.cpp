@@ -26,10 +26,14 @@ struct TransferWorld {
     store::Store& store() { return session->store(); }
     QString folder() const { return session->dataFolder(); }
     QDate today() const { return inst.today(); }
+    // The fixture's invoices carry no level: the national level's, or the
+    // league's when a league transfers them.
     TransferResult transfer(TransferLayout layout, const QString& month = {},
                             const TransferOptions& options = {}) {
-        return writeTransfer(store(), folder(), layout, test::seasonSelection("2021", month),
-                             today(), options);
+        const bool league = layout == TransferLayout::League;
+        if (league) store().exec("UPDATE strentete SET ent_niveau = 'LR06' WHERE ent_niveau IS NULL");
+        return writeTransfer(store(), folder(), layout, league ? "LR06" : "JKV",
+                             test::seasonSelection("2021", month), today(), options);
     }
     QStringList files() const {
         return QDir(folder()).entryList({"Transfert_*"}, QDir::Files | QDir::Hidden, QDir::Name);
@@ -120,7 +124,8 @@ TEST(AccountingTransfer, MonthChoosesWholeInvoicesByTheirDate) {
     EXPECT_EQ(test::transferMark(w.store(), "58"), "N");
     EXPECT_EQ(test::transferMark(w.store(), "2021000012"), "N");
 
-    const ReportTotals left = transferSelectionTotals(w.store(), test::seasonSelection("2021"));
+    const ReportTotals left =
+        transferSelectionTotals(w.store(), test::seasonSelection("2021"), "JKV");
     EXPECT_EQ(left.lines, 5);
     EXPECT_EQ(left.amount, Money::fromCents(54000 + 123450 + 2420 + 2310 + 4500));
     EXPECT_EQ(left.quantity, 12 + 1 + 2 + 3 + 10);
@@ -128,19 +133,53 @@ TEST(AccountingTransfer, MonthChoosesWholeInvoicesByTheirDate) {
 
 TEST(AccountingTransfer, GridListsTheLinesWithTheAccountsOfTheLayout) {
     TransferWorld w;
+    const auto national = w.store().select(
+        transferSelectionQuery(test::seasonSelection("2021"), TransferLayout::National, "JKV"));
+    ASSERT_EQ(national.size(), 8u);
+    EXPECT_EQ(national[2].value("t_kvarn").toString(), "706210000");
+    EXPECT_EQ(national[2].value("t_jkv").toString(), "CHAF-ENG");
+    w.store().exec("UPDATE strentete SET ent_niveau = 'LR06'");
     const auto rows = w.store().select(
-        transferSelectionQuery(test::seasonSelection("2021"), TransferLayout::League));
+        transferSelectionQuery(test::seasonSelection("2021"), TransferLayout::League, "LR06"));
     ASSERT_EQ(rows.size(), 8u);
     EXPECT_EQ(rows[0].value("c_num_facture").toString(), "00000058");
     EXPECT_EQ(rows[0].value("c_date_enreg").toString(), "04/11/2020");
     EXPECT_EQ(rows[0].value("t_kvarn").toString(), "756100000");
     EXPECT_EQ(rows[0].value("t_jkv").toString(), "LICA");
     EXPECT_EQ(rows[1].value("t_kvarn").toString(), "700000000");
-    const auto national = w.store().select(
-        transferSelectionQuery(test::seasonSelection("2021"), TransferLayout::National));
-    ASSERT_EQ(national.size(), 8u);
-    EXPECT_EQ(national[2].value("t_kvarn").toString(), "706210000");
-    EXPECT_EQ(national[2].value("t_jkv").toString(), "CHAF-ENG");
+}
+
+TEST(AccountingTransfer, EachLevelTransfersWhatItIssuedAndNewInvoicesWaitForTheNext) {
+    TransferWorld w;
+    w.store().exec("UPDATE strentete SET ent_niveau = 'LR06' WHERE ent_fact_no = '58'");
+    w.store().exec("UPDATE strentete SET ent_niveau = 'CD013' WHERE ent_fact_no = '2021000012'");
+    const auto transfer = [&](TransferLayout layout, const QString& level,
+                              const TransferOptions& options = {}) {
+        return writeTransfer(w.store(), w.folder(), layout, level,
+                             test::seasonSelection("2021"), w.today(), options);
+    };
+    // An invoice committed by another workstation while the file is written
+    // is neither in the file nor marked, and does not stop the transfer.
+    TransferOptions options;
+    options.checkpoint = [&](TransferStage reached) {
+        if (reached == TransferStage::FileWritten)
+            test::addInvoice(w.store(), "2021000031", "F", "1FA00001", "DIV", "CD077",
+                             "03/12/2020", "03/12/2020", {{"00000005", "Frais", 2, 1500}});
+    };
+    EXPECT_EQ(transfer(TransferLayout::National, "JKV", options).invoices, 2);
+    EXPECT_EQ(test::transferMark(w.store(), "2021000013"), "O");
+    EXPECT_EQ(test::transferMark(w.store(), "2021000014"), "O");
+    EXPECT_EQ(test::transferMark(w.store(), "2021000031"), "N");
+    EXPECT_EQ(test::transferMark(w.store(), "58"), "N");
+    EXPECT_EQ(test::transferMark(w.store(), "2021000012"), "N");
+
+    EXPECT_EQ(transfer(TransferLayout::League, "LR06").invoices, 1);
+    EXPECT_EQ(test::transferMark(w.store(), "58"), "O");
+    EXPECT_EQ(test::transferMark(w.store(), "2021000012"), "N");
+    EXPECT_EQ(transfer(TransferLayout::League, "CD013").invoices, 1);
+    EXPECT_EQ(test::transferMark(w.store(), "2021000012"), "O");
+    EXPECT_EQ(refusalOf([&] { transfer(TransferLayout::League, "CD013"); }), kNothingToTransfer);
+    EXPECT_EQ(transfer(TransferLayout::National, "JKV").invoices, 1);  // the one that waited
 }
 
 TEST(AccountingTransfer, ALineWithoutItsHeaderIsWrittenWithoutDueDateAndMarksNothing) {

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "support/DemoInvoices.h"
 #include "support/TestInstall.h"
 
 using orve::test::runProgram;
@@ -109,4 +110,49 @@ TEST(Batch, DemoInstallationPrintsItsUsers) {
                          "provence-2026\n", &out, &err, kToday),
               0);
     EXPECT_TRUE(out.contains("ligue : 13\n"));
+}
+
+TEST(Batch, EachCommandHasTheOperatorsRightsAsTheMenuGivesThem) {
+    orve::test::TestInstall inst;
+    const QString home = inst.home();
+    QString national;
+    {
+        auto s = inst.start();
+        national = s->store()
+                       .scalar("SELECT c_index FROM strcompetition WHERE c_intitule = 'Challenge "
+                               "fédéral' AND index_reference = '00000000'")
+                       .toString();
+    }
+    QString out, err;
+    const auto run = [&](const QStringList& args, const QString& input = {}) {
+        return runProgram(kBatch, QStringList{"--home", home} + args, input, &out, &err, kToday);
+    };
+    // Writing business data needs an operator.
+    EXPECT_EQ(run({"competition", "calculate", national}), 1);
+    EXPECT_TRUE(err.contains("indiquez l'opérateur avec --as LOGIN")) << err.toStdString();
+    // What the menu refuses a committee or a league, the command refuses.
+    const QString denied = "n'a pas accès à";
+    for (const QStringList& args :
+         {QStringList{"--as", "CD13", "cdc", "calculate"},
+          QStringList{"--as", "CD13", "import", "clubs", "/nulle/part.csv"},
+          QStringList{"--as", "ligue06", "outil", "2", "--oui"},
+          QStringList{"--as", "ligue06", "outil", "2"},
+          QStringList{"--as", "ligue06", "saison", "2028"},
+          QStringList{"--as", "ligue06", "renumeroter", "2027000001"},
+          QStringList{"--as", "CD13", "user", "add", "pirate", "--league", "JKV"}}) {
+        EXPECT_EQ(run(args, "mot-de-passe-long\n"), 1) << args.join(' ').toStdString();
+        EXPECT_TRUE(err.contains(denied)) << args.join(' ').toStdString() << err.toStdString();
+    }
+    // The windows' own rules: another level's competition, another level's invoice.
+    EXPECT_EQ(run({"--as", "CD13", "competition", "calculate", national}), 1);
+    EXPECT_TRUE(err.contains("est celle du niveau national")) << err.toStdString();
+    EXPECT_EQ(run({"--as", "CD13", "avoir", orve::test::kLeagueInvoice}), 1);
+    EXPECT_TRUE(err.contains("est une facture du niveau national")) << err.toStdString();
+    // A read needs no operator; the national level may do all of it.
+    EXPECT_EQ(run({"outil", "2"}), 0) << err.toStdString();
+    EXPECT_EQ(run({"--as", "gestu", "competition", "calculate", national}), 0)
+        << err.toStdString();
+    EXPECT_EQ(run({"--as", "gestu", "avoir", orve::test::kLeagueInvoice}), 0) << err.toStdString();
+    auto s = inst.start();
+    EXPECT_FALSE(s->store().exists("SELECT 1 FROM strparam WHERE par_login = 'pirate'"));
 }

@@ -123,8 +123,10 @@ TEST(Menu, AnEntryNotBuiltSaysSoAndGreyedIsForRightsOnly) {
     EXPECT_TRUE(action("mnu_fic_tiers_lr")->isEnabled());
     EXPECT_FALSE(action("mnu_facturation_li")->isEnabled());
     EXPECT_FALSE(action("mnu_fic_base_fede")->isEnabled());
+    // The numbered tools change every level's data: the national level's.
+    EXPECT_FALSE(action("mnu_outils_7")->isEnabled());
     action("mnu_stat_ca_compet")->trigger();
-    action("mnu_outils_7")->trigger();
+    action("mnu_outils_verif")->trigger();
     const std::vector<std::pair<Kind, QString>> expected{{Kind::Information, kNotYetAvailable},
                                                          {Kind::Information, kNotYetAvailable}};
     EXPECT_EQ(dialogs.history(), expected);

@@ -31,14 +31,23 @@ TEST(SignIn, OnlyTheExactLoginGestuIsAdministrator) {
     // The table compares logins without case, rights compare them exactly.
     ASSERT_TRUE(signIn(*s, "GESTU", "kvarn-2026"));
     EXPECT_FALSE(s->isAdministrator());
-    EXPECT_FALSE(entryAllowed("mnu_facturation_li", true, s->user().login));
-    EXPECT_TRUE(entryAllowed("mnu_outils", true, s->user().login));
-    EXPECT_TRUE(entryAllowed("mnu_fic_mnu_fic_naturec_gestion", true, s->user().login));
+    EXPECT_FALSE(entryAllowed("mnu_facturation_li", true, s->user().login, false));
+    EXPECT_TRUE(entryAllowed("mnu_outils", true, s->user().login, false));
+    EXPECT_TRUE(entryAllowed("mnu_fic_mnu_fic_naturec_gestion", true, s->user().login, false));
     ASSERT_TRUE(signIn(*s, "gestu", "kvarn-2026"));
     EXPECT_TRUE(s->isAdministrator());
-    EXPECT_TRUE(entryAllowed("mnu_facturation_li", true, "gestu"));
-    EXPECT_FALSE(entryAllowed("mnu_fic", false, ""));
-    EXPECT_TRUE(entryAllowed("mnu_quitter", false, ""));
+    EXPECT_TRUE(entryAllowed("mnu_facturation_li", true, "gestu", true));
+    EXPECT_FALSE(entryAllowed("mnu_fic", false, "", false));
+    EXPECT_TRUE(entryAllowed("mnu_quitter", false, "", false));
+    // An import lies under a submenu reserved to the administrator; the
+    // numbered tools, the season and the renumbering to the national level.
+    EXPECT_FALSE(entryAllowed("mnu_fic_club_integration", true, "GESTU", true));
+    EXPECT_TRUE(entryAllowed("mnu_fic_club_integration", true, "gestu", true));
+    for (const char* entry : {"mnu_outils_2", "mnu_out_newsaison", "mnu_out_newnumero"}) {
+        EXPECT_FALSE(entryAllowed(entry, true, "ligue06", false)) << entry;
+        EXPECT_TRUE(entryAllowed(entry, true, "GESTU", true)) << entry;
+    }
+    EXPECT_TRUE(entryAllowed("mnu_outils_verif", true, "ligue06", false));
 }
 
 TEST(SignIn, PlainTextPasswordIsAcceptedOnceThenHashed) {

@@ -242,7 +242,7 @@ TEST(CompetitionInvoicing, ClubCompetitionIsInvoicedPrintedAndClosed) {
     // invoiced too, the competition closes.
     EXPECT_EQ(rowValue(s, index, "c_facture"), "G");
     EXPECT_EQ(competitionOpenness(s, index), Openness::Frozen);
-    setTeamCounts(s, rowOf(s, index, "CL83001"), {"1", "0", "0"});
+    setTeamCounts(s, kNational, rowOf(s, index, "CL83001"), {"1", "0", "0"});
     ASSERT_EQ(calculateCompetition(s, kLeague06, index, "CDCNH", false), 1);
     const InvoicingOutcome last = invoiceCompetition(s, kLeague06, settings, index,
                                                      {euros("10"), euros("2,50")}, inst.today());
@@ -341,7 +341,7 @@ TEST(CompetitionInvoicing, AnInvoiceAKilledRunWroteGoesBackToItsRowNeverTwice) {
         {aix, aubagne});
     // Even with other counts typed since, CL13003 has been billed: a credit
     // note, not a second invoice, is the way to change it.
-    setTeamCounts(s, aubagne, {"5", "1", "0"});
+    setTeamCounts(s, kNational, aubagne, {"5", "1", "0"});
 
     ASSERT_EQ(calculateCompetition(s, kLeague06, index, "CDCNH", false), 3);
     const InvoicingOutcome again =

@@ -140,7 +140,7 @@ TEST(CompetitionRegister, RevalidationKeepsRowsAndSwitchesKinds) {
 
     // Counts, state and invoice number survive a validation; the card's
     // fields are copied again.
-    setTeamCounts(s, phoceen, {"3", "2", ""});
+    setTeamCounts(s, kNational, phoceen, {"3", "2", ""});
     s.exec("UPDATE strcompetition SET c_facture = 'C', c_num_facture = '77' WHERE c_index = ?",
            {phoceen});
     r.title = QStringLiteral("Coupe renommée");
@@ -196,7 +196,7 @@ TEST(CompetitionRegister, NationalLevelRebuildsItsLeagueRows) {
     EXPECT_EQ(column(s, rowOf(s, r.index, "LR06"), "c_organisateur"), kLeagues);
 
     const QString lr06 = rowOf(s, r.index, "LR06");
-    setTeamCounts(s, lr06, {"4", "1", "1"});
+    setTeamCounts(s, kNational, lr06, {"4", "1", "1"});
     s.exec("UPDATE strcompetition SET c_facture = 'A' WHERE c_index = ?", {lr06});
     saveCompetition(s, kNational, r);
     const QStringList rebuilt = rows(s, r.index);
@@ -220,7 +220,7 @@ TEST(CompetitionRegister, InvoicedRowsFreezeTheCompetition) {
     EXPECT_EQ(refusal([&] { saveCompetition(s, kLeague06, r); }),
               "les caractéristiques de cette compétition ne sont plus modifiables");
     EXPECT_EQ(refusal([&] {
-                  setTeamCounts(s, phoceen, {"1", "1", "1"});
+                  setTeamCounts(s, kNational, phoceen, {"1", "1", "1"});
               }),
               "CL13001 - Bowling Club Phocéen : cette ligne est facturée, ses nombres d'équipes "
               "ne sont plus modifiables.");
@@ -282,10 +282,10 @@ TEST(CompetitionRegister, CardChecksAndCountsRefuseBadInput) {
     r = card("2027");
     r.index = saveCompetition(s, kLeague06, r).index;
     const QString aix = rowOf(s, r.index, "CL13002");
-    setTeamCounts(s, aix, {"2", "1", "0"});
+    setTeamCounts(s, kNational, aix, {"2", "1", "0"});
     for (const QString& bad : {"2,5", "-1", "deux", "1e3"}) {
         EXPECT_EQ(refusal([&] {
-                      setTeamCounts(s, aix, {"4", "4", bad});
+                      setTeamCounts(s, kNational, aix, {"4", "4", bad});
                   }),
                   QStringLiteral("CL13002 - Les Quilles d'Aix : « %1 » n'est pas un nombre entier "
                                  "positif ou nul (Equipe Finale).")
@@ -294,7 +294,7 @@ TEST(CompetitionRegister, CardChecksAndCountsRefuseBadInput) {
     }
     // Nothing of a refused row is written.
     EXPECT_TRUE(rows(s, r.index).contains(aix + "|CL13002 - Les Quilles d'Aix| |2/1/0"));
-    setTeamCounts(s, aix, {" 7 ", "", "0"});
+    setTeamCounts(s, kNational, aix, {" 7 ", "", "0"});
     EXPECT_TRUE(rows(s, r.index).contains(aix + "|CL13002 - Les Quilles d'Aix| |7/0/0"));
 }
 
@@ -411,4 +411,64 @@ TEST(CompetitionCalculation, MarksOpenRowsOfTheCompetitionOnly) {
     EXPECT_EQ(calculateCompetition(s, kNational, index, "DBHON", false), 3);
     EXPECT_TRUE(rows(s, index).contains(rowOf(s, index, "CL13003") +
                                         "|CL13003 - Strike Club Aubagne|C|0/1/0"));
+}
+
+TEST(CompetitionRegister, EachLevelChangesOnlyWhatItOwnsAndOldCompetitionsTakeTheirRowsLevel) {
+    test::TestInstall inst;
+    auto session = inst.start();
+    store::Store& s = session->store();
+    const QString league = saveCompetition(s, kLeague06, card("2027")).index;
+    const QString committee = saveCompetition(s, kCommittee13, card("2027")).index;
+    const QString committees = saveCompetition(s, kLeague06, card("2027", kCommittees)).index;
+    const QString national = saveCompetition(s, kNational, card("2027")).index;
+    const auto owners = [&] {
+        const store::Store& now = session->store();
+        return QStringList{competitionOwner(now, league), competitionOwner(now, committee),
+                           competitionOwner(now, committees), competitionOwner(now, national),
+                           competitionOwner(now, rowOf(now, committee, "CL13001"))};
+    };
+    const QStringList expected{"LR06", "CD013", "LR06", "JKV", "CD013"};
+    EXPECT_EQ(owners(), expected);
+
+    // A committee on the national level's or a league's, a league on a
+    // committee's: refused before anything is written.
+    const std::string onNational =
+        "Cette compétition est celle du niveau national : seuls ce niveau et le niveau national "
+        "peuvent la modifier, la calculer ou la facturer. Vous pouvez la consulter.";
+    CompetitionRecord r = card("2027");
+    r.index = national;
+    const QStringList before = rows(s, national);
+    EXPECT_EQ(refusal([&] { saveCompetition(s, kCommittee13, r); }), onNational);
+    EXPECT_EQ(refusal([&] { calculateCompetition(s, kCommittee13, national, "CDCNH", false); }),
+              onNational);
+    EXPECT_EQ(rows(s, national), before);
+    EXPECT_NE(refusal([&] {
+                  setTeamCounts(s, kLeague06, rowOf(s, committee, "CL13001"), {"1", "0", "0"});
+              }),
+              "(no refusal)");
+    r.index = league;
+    EXPECT_NE(refusal([&] { createComplementaryCompetition(s, kCommittee13, r); }),
+              "(no refusal)");
+    // The owner and the national level may.
+    setTeamCounts(s, kCommittee13, rowOf(s, committee, "CL13001"), {"2", "0", "0"});
+    setTeamCounts(s, kNational, rowOf(s, committee, "CL13001"), {"3", "0", "0"});
+    EXPECT_NO_THROW(calculateCompetition(s, kNational, league, "CDCNH", false));
+    EXPECT_NO_THROW(calculateCompetition(s, kLeague06, league, "CDCNH", false));
+
+    // Stored before owners were recorded: the rows tell, once, at sign-in;
+    // invoices take their competition's owner, or the national level's.
+    s.exec("UPDATE strcompetition SET c_niveau = NULL");
+    s.insert("strentete",
+             {{"ent_fact_no", "2027000001"}, {"ent_c_index", rowOf(s, league, "CL13001")}});
+    s.insert("strentete", {{"ent_fact_no", "2027000002"}, {"ent_c_index", "8FA00000"}});
+    session.reset();
+    session = inst.startAs("gestu");
+    EXPECT_EQ(owners(), expected);
+    const auto level = [&](const char* n) {
+        return session->store()
+            .scalar("SELECT ent_niveau FROM strentete WHERE ent_fact_no = ?", {n})
+            .toString();
+    };
+    EXPECT_EQ(level("2027000001"), "LR06");
+    EXPECT_EQ(level("2027000002"), "JKV");
 }

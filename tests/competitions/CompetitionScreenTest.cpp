@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -331,5 +332,50 @@ TEST(CompetitionScreen, AnInvoicedCompetitionIsFrozenOrClosed) {
     EXPECT_EQ(next(dialogs), "Cette compétition est facturée, elle n'est plus modifiable");
     EXPECT_FALSE(child<QPushButton>(&w->screen, "CmdValideCompet")->isEnabled());
     EXPECT_TRUE(dialogs.shown().empty()) << next(dialogs);
+    EXPECT_TRUE(dialogs.failure().isEmpty()) << dialogs.failure().toStdString();
+}
+
+TEST(CompetitionScreen, AnotherLevelsCompetitionIsShownReadOnlyAndNamesItsOwner) {
+    test::application();
+    test::TestInstall inst;
+    auto session = inst.startAs("CD13");
+    const QString national =
+        session->store()
+            .scalar("SELECT c_index FROM strcompetition WHERE c_intitule = 'Challenge fédéral' "
+                    "AND index_reference = '00000000'")
+            .toString();
+    ASSERT_FALSE(national.isEmpty());
+    const int rows = session->store()
+                         .scalar("SELECT COUNT(*) FROM strcompetition WHERE index_reference = ?",
+                                 {national})
+                         .toInt();
+    app::ScriptedDialogs dialogs;
+    Window w(*session, dialogs);
+    app::DataGrid* list = w.grid("DBGrid1");
+    list->choose(rowOf(list, national));
+    EXPECT_TRUE(dialogs.shown().empty()) << next(dialogs);
+    EXPECT_EQ(child<QLabel>(&w.screen, "lbl_niveau")->text(),
+              "Compétition du niveau national : consultation seule.");
+    EXPECT_FALSE(child<QPushButton>(&w.screen, "CmdValideCompet")->isEnabled());
+    EXPECT_FALSE(child<QGroupBox>(&w.screen, "Frame1")->isEnabled());
+    const QString refusal =
+        "Cette compétition est celle du niveau national : seuls ce niveau et le niveau "
+        "national peuvent la modifier, la calculer ou la facturer. Vous pouvez la consulter.";
+    w.click("Cmdcalcul");
+    EXPECT_EQ(next(dialogs), refusal.toStdString());
+    w.click("Cmdfacture");
+    EXPECT_EQ(next(dialogs), refusal.toStdString());
+    // Nothing of the committee's reached the competition.
+    EXPECT_EQ(session->store()
+                  .scalar("SELECT COUNT(*) FROM strcompetition WHERE index_reference = ?",
+                          {national})
+                  .toInt(),
+              rows);
+    EXPECT_EQ(session->store()
+                  .scalar("SELECT COUNT(*) FROM strcompetition WHERE index_reference = ? AND "
+                          "c_facture = 'C'",
+                          {national})
+                  .toInt(),
+              0);
     EXPECT_TRUE(dialogs.failure().isEmpty()) << dialogs.failure().toStdString();
 }

@@ -106,7 +106,7 @@ TEST(ImportRobustness, AFuzzedFileNeverCrashesAndChangesNothingItReportsAsSkippe
     QTemporaryDir dir;
     QString out, err;
     EXPECT_EQ(test::runProgram(kBatch,
-                               {"--home", inst.home(), "import", "clubs",
+                               {"--home", inst.home(), "--as", "gestu", "import", "clubs",
                                 test::writeFile(dir, "fuzz.csv", clubs)},
                                "", &out, &err),
               0)
@@ -127,7 +127,8 @@ TEST(ImportRobustness, AKilledImportLeavesTheDataAsBefore) {
     const QString path = test::writeFile(dir, "grand.csv", big);
     QStringList before;
     {
-        auto session = inst.start();
+        // Signed in as the import will be: what the sign-in writes is not the import's.
+        auto session = inst.startAs("gestu");
         before = test::tableRows(session->store(), "strcompetition", "c_index");
     }
     QProcess batch;
@@ -135,7 +136,7 @@ TEST(ImportRobustness, AKilledImportLeavesTheDataAsBefore) {
     env.insert("QT_QPA_PLATFORM", "offscreen");
     env.insert("ORVE_TODAY", "21/11/2026");
     batch.setProcessEnvironment(env);
-    batch.start(kBatch, {"--home", inst.home(), "import", "prive", path});
+    batch.start(kBatch, {"--home", inst.home(), "--as", "gestu", "import", "prive", path});
     // Killed once it says the writing has begun, in the middle of its transaction.
     QByteArray said;
     while (!said.contains("enregistrement de") && batch.waitForReadyRead(60000))
@@ -161,7 +162,7 @@ TEST(ImportRobustness, OrveBatchPrintsTheReportAndRefusesAFileItCannotRead) {
     QTemporaryDir dir;
     QString out, err;
     EXPECT_EQ(test::runProgram(
-                  kBatch, {"--home", inst.home(), "import", "clubs", dir.filePath("absent.csv")},
+                  kBatch, {"--home", inst.home(), "--as", "gestu", "import", "clubs", dir.filePath("absent.csv")},
                   "", &out, &err),
               1);
     EXPECT_EQ(err.trimmed(),
@@ -171,7 +172,7 @@ TEST(ImportRobustness, OrveBatchPrintsTheReportAndRefusesAFileItCannotRead) {
         dir, "prive.csv",
         "2027;TP;13;1;;01/03/27;Tournoi;10;5;;;CL13001 Phocéen\n2027;TP;13;x;;01/03/27;T\n");
     ASSERT_EQ(
-        test::runProgram(kBatch, {"--home", inst.home(), "import", "prive", file}, "", &out, &err),
+        test::runProgram(kBatch, {"--home", inst.home(), "--as", "gestu", "import", "prive", file}, "", &out, &err),
         0)
         << err.toStdString();
     EXPECT_TRUE(
@@ -184,7 +185,7 @@ TEST(ImportRobustness, OrveBatchPrintsTheReportAndRefusesAFileItCannotRead) {
         << out.toStdString();
     // Again without --doublons: the question is answered no.
     ASSERT_EQ(
-        test::runProgram(kBatch, {"--home", inst.home(), "import", "prive", file}, "", &out, &err),
+        test::runProgram(kBatch, {"--home", inst.home(), "--as", "gestu", "import", "prive", file}, "", &out, &err),
         0);
     EXPECT_TRUE(
         out.contains("1 compétitions de ce fichier existent déjà. Les importer une seconde "
@@ -192,20 +193,20 @@ TEST(ImportRobustness, OrveBatchPrintsTheReportAndRefusesAFileItCannotRead) {
         << out.toStdString();
     EXPECT_TRUE(out.contains("créations : 0 ;"));
     ASSERT_EQ(test::runProgram(
-                  kBatch, {"--home", inst.home(), "import", "prive", file, "--doublons", "oui"}, "",
+                  kBatch, {"--home", inst.home(), "--as", "gestu", "import", "prive", file, "--doublons", "oui"}, "",
                   &out, &err),
               0);
     EXPECT_TRUE(out.contains("créations : 1 ;")) << out.toStdString();
     EXPECT_EQ(
         test::runProgram(
-            kBatch, {"--home", inst.home(), "import", "prive", file, "--doublons", "peut-être"}, "",
+            kBatch, {"--home", inst.home(), "--as", "gestu", "import", "prive", file, "--doublons", "peut-être"}, "",
             &out, &err),
         1);
 
     // The championship takes its season and final from the command line.
     const QString cdc = test::writeFile(dir, "cdc.csv", "CL13001 Phocéen;1;0;0;2;0;0\n");
     ASSERT_EQ(test::runProgram(kBatch,
-                               {"--home", inst.home(), "import", "cdc", cdc, "--saison", "2028",
+                               {"--home", inst.home(), "--as", "gestu", "import", "cdc", cdc, "--saison", "2028",
                                 "--date", "03/06/2028"},
                                "", &out, &err),
               0)
@@ -216,7 +217,7 @@ TEST(ImportRobustness, OrveBatchPrintsTheReportAndRefusesAFileItCannotRead) {
                   .toString(),
               "03/06/2028");
     EXPECT_EQ(
-        test::runProgram(kBatch, {"--home", inst.home(), "import", "cdc", cdc, "--saison", "20x8"},
+        test::runProgram(kBatch, {"--home", inst.home(), "--as", "gestu", "import", "cdc", cdc, "--saison", "20x8"},
                          "", &out, &err),
         1);
     EXPECT_EQ(err.trimmed(), "La saison « 20x8 » n'est pas une année.");

@@ -38,11 +38,8 @@ TEST(ConcurrentNumbering, FourWorkstationsAtOnceNeitherRepeatNorSkipANumber) {
     for (int i = 0; i < kWorkstations; ++i) {
         auto p = std::make_unique<QProcess>();
         p->setProcessEnvironment(env);
-        // Half of them signed in, so the sign-in's own writes meet the numbering too.
-        QStringList args{"--home", inst.home()};
-        if (i % 2 == 0)
-            args << "--as"
-                 << "gestu";
+        // Two operators of two levels, whose sign-ins write too.
+        QStringList args{"--home", inst.home(), "--as", i % 2 == 0 ? "gestu" : "ligue06"};
         args << "factures-essai" << QString::number(kEach);
         p->start(kBatch, args);
         runs.push_back(std::move(p));
@@ -97,7 +94,7 @@ TEST(ConcurrentNumbering, FourWorkstationsAtOnceNeitherRepeatNorSkipANumber) {
 
     // A count that is no count writes nothing.
     QString out, err;
-    EXPECT_EQ(test::runProgram(kBatch, {"--home", inst.home(), "factures-essai", "douze"}, "", &out,
+    EXPECT_EQ(test::runProgram(kBatch, {"--home", inst.home(), "--as", "gestu", "factures-essai", "douze"}, "", &out,
                                &err),
               1);
     EXPECT_TRUE(err.contains("n'est pas valide")) << err.toStdString();

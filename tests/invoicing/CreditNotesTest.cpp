@@ -358,10 +358,12 @@ TEST(CreditNotes, InstallationFromBeforeTheOriginColumnOpensWhole) {
     // Taken back to the store as it was before credit notes named their invoice.
     if (test::onServer()) {
         f.store().exec("ALTER TABLE facture.strentete DROP COLUMN ent_fact_origine");
+        f.store().exec("ALTER TABLE facture.strentete DROP COLUMN ent_niveau");
         f.store().exec("DELETE FROM facture.orve_version WHERE version >= 2");
     } else {
         f.store().exec("DROP INDEX facture.strentete_origine");
         f.store().exec("ALTER TABLE facture.strentete DROP COLUMN ent_fact_origine");
+        f.store().exec("ALTER TABLE facture.strentete DROP COLUMN ent_niveau");
         f.store().exec("PRAGMA facture.user_version = 1");
     }
     ASSERT_FALSE(f.store().columns("strentete").contains("ent_fact_origine"));

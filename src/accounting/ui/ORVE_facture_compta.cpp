@@ -8,6 +8,7 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
+#include "reference/Visibility.h"
 #include "accounting/AccountingConstants.h"
 #include "accounting/AccountingTransfer.h"
 #include "accounting/ui/ReportWidgets.h"
@@ -92,8 +93,9 @@ ORVE_facture_compta::ORVE_facture_compta(app::Session& session, app::Dialogs& di
 void ORVE_facture_compta::refresh() {
     app::guarded(m_dialogs, [&] {
         const invoicing::SelectionCondition selection = m_panel->condition();
-        const ReportTotals totals = transferSelectionTotals(m_session.store(), selection);
-        m_grid->setQuery(m_session.store(), transferSelectionQuery(selection, m_layout));
+        const QString level = reference::Viewer::of(m_session).level();
+        const ReportTotals totals = transferSelectionTotals(m_session.store(), selection, level);
+        m_grid->setQuery(m_session.store(), transferSelectionQuery(selection, m_layout, level));
         // While a file is shown, the summary is the file's.
         if (m_pages->currentWidget() != m_fileBox)
             m_summary->setTotals(totals.amount, totals.quantity);
@@ -120,7 +122,8 @@ void ORVE_facture_compta::transfer() {
         struct Cursor {
             ~Cursor() { QGuiApplication::restoreOverrideCursor(); }
         } restore;
-        result = writeTransfer(m_session.store(), m_session.dataFolder(), m_layout, selection,
+        result = writeTransfer(m_session.store(), m_session.dataFolder(), m_layout,
+                               reference::Viewer::of(m_session).level(), selection,
                                m_session.today());
     });
     if (written) m_dialogs.inform(kTransferWritten + QDir::toNativeSeparators(result.path));

@@ -173,7 +173,8 @@ void ORVE_menu::applyRights() {
         // Greyed means "not for you" only; an entry whose window is not built
         // yet says so when chosen.
         m_actions[e.name]->setEnabled(
-            entryAllowed(e.name, m_session.signedIn(), m_session.user().login));
+            entryAllowed(e.name, m_session.signedIn(), m_session.user().login,
+                         m_session.isNational()));
     }
 }
 

@@ -98,6 +98,11 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
     m_cancel = new QPushButton(QStringLiteral("Annuler"), this);
     m_cancel->setObjectName(QStringLiteral("CmdAnnulCompet"));
     cardButtons->addWidget(m_add);
+    // Another level's competition is shown, not changed: this says whose it is.
+    m_owner = new QLabel(this);
+    m_owner->setObjectName(QStringLiteral("lbl_niveau"));
+    cardButtons->addSpacing(12);
+    cardButtons->addWidget(m_owner);
     cardButtons->addStretch(1);
     cardButtons->addWidget(m_validate);
     cardButtons->addWidget(m_cancel);
@@ -193,6 +198,7 @@ void ORVE_ges_competition::setCardState(bool editable, bool validatable) {
 
 void ORVE_ges_competition::clearCompetition() {
     stopInvoicing();
+    m_owner->clear();
     m_card->clear();
     m_parties->clear();
     m_tariffs->clearCompetition();
@@ -215,19 +221,25 @@ void ORVE_ges_competition::showCompetition(const QString& index, bool asking) {
     stopInvoicing();
     CompetitionRecord record;
     Openness openness = Openness::Open;
+    QString owner;
     if (!app::guarded(m_dialogs, [&] {
             record = loadCompetition(m_session.store(), index);
             openness = competitionOpenness(m_session.store(), index);
+            owner = competitionOwner(m_session.store(), index);
             m_parties->showRows(partyRowsQuery(index));
         }))
         return;
     m_adding = false;
-    m_modifying = openness == Openness::Open;
+    const bool owned = viewer().mayChange(owner);
+    m_modifying = owned && openness == Openness::Open;
+    m_owner->setText(owned ? QString()
+                           : QStringLiteral("Compétition %1 : consultation seule.")
+                                 .arg(reference::ofLevel(owner)));
     m_card->showRecord(record);
     m_tariffs->show();
     m_tariffs->showCompetition(record.season, record.nature);
     setCardState(m_modifying, m_modifying);
-    if (!asking) return;
+    if (!asking || !owned) return;
     if (openness == Openness::Closed) {
         m_dialogs.inform(
             QStringLiteral("Cette compétition est facturée, elle n'est plus modifiable"));
@@ -316,6 +328,7 @@ void ORVE_ges_competition::invoice() {
     stopInvoicing();
     InvoicingPlan plan;
     if (!app::guarded(m_dialogs, [&] {
+            requireCompetitionOwner(m_session.store(), viewer(), index);
             m_parties->showRows(rowsToInvoiceQuery(index));
             plan = planInvoicing(m_session.store(), index);
         }))

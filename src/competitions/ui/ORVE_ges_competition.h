@@ -10,6 +10,7 @@
 #include "competitions/CompetitionRegister.h"
 
 class QComboBox;
+class QLabel;
 class QPushButton;
 class QToolButton;
 
@@ -60,6 +61,7 @@ class ORVE_ges_competition : public QWidget {
     QComboBox* m_seasons;
     app::DataGrid* m_competitions;
     CompetitionCard* m_card;
+    QLabel* m_owner;
     QPushButton* m_add;
     QPushButton* m_validate;
     QPushButton* m_cancel;

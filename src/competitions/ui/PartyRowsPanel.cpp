@@ -68,7 +68,8 @@ void PartyRowsPanel::countTyped(int row, const QString& field, const QString& te
         // The row holds what was typed in one cell and what is stored in the others.
         const auto cell = [&](const QString& f) { return m_grid->value(row, f).toString(); };
         app::guarded(m_dialogs, [&] {
-            setTeamCounts(m_session.store(), cell(QStringLiteral("c_index")),
+            setTeamCounts(m_session.store(), reference::Viewer::of(m_session),
+                          cell(QStringLiteral("c_index")),
                           {cell(kTeams), cell(kEliminatory), cell(kFinals)});
         });
     }

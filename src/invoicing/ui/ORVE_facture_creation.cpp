@@ -9,6 +9,7 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
+#include "reference/Visibility.h"
 #include "app/ui/ScreenSupport.h"
 #include "invoicing/CreditNotes.h"
 #include "invoicing/ui/InvoiceHeaderBox.h"
@@ -153,6 +154,7 @@ void ORVE_facture_creation::newInvoice() {
 
 EntryHeaderState ORVE_facture_creation::headerState() const {
     EntryHeaderState s;
+    s.level = reference::Viewer::of(m_session).level();
     s.dateText = m_header->dateText();
     s.billed = m_chooser->typing() ? m_chooser->typedParty() : m_billed;
     s.client = m_client;
@@ -341,7 +343,8 @@ void ORVE_facture_creation::issueCreditNotes() {
     app::guarded(m_dialogs, [&] {
         m_list->showListing();
         const std::vector<QString> ticked = tickedInvoices(m_session.store());
-        const CreditNoteCheck check = checkCreditNotes(m_session.store(), ticked);
+        const QString level = reference::Viewer::of(m_session).level();
+        const CreditNoteCheck check = checkCreditNotes(m_session.store(), ticked, level);
         m_list->grid()->setQuery(m_session.store().scratch(), invoiceListingQuery(true));
         m_list->setCaption(QStringLiteral(" LISTE DES %1 FACTURES POUR LSQUELLES ONT VA GENERER "
                                           "DES AVOIRS EN AUTOMATIQUE")
@@ -373,7 +376,8 @@ void ORVE_facture_creation::issueCreditNotes() {
                 progress.setLabelText(QStringLiteral("%1 sur %2").arg(count).arg(total));
                 progress.setValue(count);
                 return !progress.wasCanceled();
-            });
+            },
+            level);
         relist();
         m_dialogs.inform(QStringLiteral("Avoirs générés : ") + done.join(QStringLiteral(" ; ")));
     });
