@@ -165,7 +165,8 @@ int main(int argc, char** argv) {
     line(QStringLiteral("transfert : sélection (rafraîchissement)"), timed([&] {
              accounting::transferSelectionTotals(store, selection, QStringLiteral("JKV"));
              grid.setQuery(store, accounting::transferSelectionQuery(
-                                      selection, accounting::TransferLayout::National, QStringLiteral("JKV")));
+                                      selection, accounting::TransferLayout::National,
+                                      QStringLiteral("JKV")));
          }),
          bareMs, bare(store, untransferred, seasonOnly));
 

@@ -3,12 +3,12 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "reference/Visibility.h"
 #include "accounting/AccountingConstants.h"
 #include "accounting/AccountingTransfer.h"
 #include "accounting/SalesJournal.h"
 #include "accounting/TurnoverStatistics.h"
 #include "invoicing/InvoiceEntry.h"
+#include "reference/Visibility.h"
 #include "store/Refusal.h"
 
 namespace orve::accounting {
@@ -79,9 +79,9 @@ int transfer(app::BatchContext& c) {
         throw Refusal(
             QStringLiteral("Indiquez l'opérateur du transfert avec --as LOGIN : la "
                            "présentation du fichier dépend de sa ligue."));
-    const TransferResult r =
-        writeTransfer(session.store(), session.dataFolder(), transferLayoutOf(session.user().league),
-                      reference::Viewer::of(session).level(), selectionOf(c), session.today());
+    const TransferResult r = writeTransfer(
+        session.store(), session.dataFolder(), transferLayoutOf(session.user().league),
+        reference::Viewer::of(session).level(), selectionOf(c), session.today());
     c.out() << kTransferWritten << QDir::toNativeSeparators(r.path) << "\n"
             << r.lines << " ligne(s), " << r.invoices << " facture(s)\n";
     return 0;
@@ -128,8 +128,7 @@ void registerAccountingBatchCommands(app::BatchRegistry& registry) {
                   transfer, app::entryRights(QStringLiteral("mnu_facturation_compta"))});
     registry.add({QStringLiteral("journal"), kJournalUsage, journal,
                   app::entryRights(QStringLiteral("mnu_facturation_journal"), false)});
-    registry.add({QStringLiteral("stats"), kStatsUsage, statistics,
-                  [](const app::BatchContext& c) {
+    registry.add({QStringLiteral("stats"), kStatsUsage, statistics, [](const app::BatchContext& c) {
                       static const QStringList entries{
                           QStringLiteral("mnu_stat_ca_compet"), QStringLiteral("mnu_stat_ca_ligue"),
                           QStringLiteral("mnu_stat_ca_dept"), QStringLiteral("mnu_stat_ca_ir")};

@@ -326,8 +326,7 @@ QString nationalTransferName(const QDate& day) {
 
 TransferResult writeTransfer(store::Store& store, const QString& folder, TransferLayout layout,
                              const QString& level, const invoicing::SelectionCondition& selection,
-                             const QDate& today,
-                             const TransferOptions& options) {
+                             const QDate& today, const TransferOptions& options) {
     const QDir dir(canonicalFolder(folder));
     recoverInterruptedTransfers(store, dir.path());
     auto checkpoint = [&options](TransferStage stage) {
@@ -398,12 +397,12 @@ TransferResult writeTransfer(store::Store& store, const QString& folder, Transfe
     // the reading waits for the next transfer. Fewer marked means another
     // transfer took some of them meanwhile, and nothing is kept.
     const int expected = static_cast<int>(invoices.size());
-    const int marked = forEachChunk(
-        store,
-        QStringLiteral("UPDATE strentete SET ent_compta = ?, c_transfert = ? WHERE "
-                       "COALESCE(ent_compta, '%1') <> '%2' AND ent_fact_no IN (%3)")
-            .arg(kNotTransferred, kTransferred, QStringLiteral("%1")),
-        {kTransferred, stored}, invoices);
+    const int marked =
+        forEachChunk(store,
+                     QStringLiteral("UPDATE strentete SET ent_compta = ?, c_transfert = ? WHERE "
+                                    "COALESCE(ent_compta, '%1') <> '%2' AND ent_fact_no IN (%3)")
+                         .arg(kNotTransferred, kTransferred, QStringLiteral("%1")),
+                     {kTransferred, stored}, invoices);
     if (marked != expected)
         throw StoreError(QStringLiteral("Le transfert est annulé : des factures ont changé pendant "
                                         "le transfert (%1 à marquer, %2 trouvées). Recommencez.")

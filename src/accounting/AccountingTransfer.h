@@ -68,8 +68,7 @@ QString nationalTransferName(const QDate& day);
 // free counter. Refusal "aucune facture à transférer" when nothing is left.
 TransferResult writeTransfer(store::Store& store, const QString& folder, TransferLayout layout,
                              const QString& level, const invoicing::SelectionCondition& selection,
-                             const QDate& today,
-                             const TransferOptions& options = {});
+                             const QDate& today, const TransferOptions& options = {});
 
 // Finishes what a stopped transfer left in `folder`: a temporary whose marks
 // were committed takes its name, any other temporary is removed. Returns how

@@ -82,7 +82,7 @@ struct BatchCommand {
 
 // Rights for a command that always stands for one entry.
 inline std::function<BatchRights(const BatchContext&)> entryRights(const QString& entry,
-                                                                    bool writes = true) {
+                                                                   bool writes = true) {
     return [entry, writes](const BatchContext&) { return BatchRights{entry, writes}; };
 }
 

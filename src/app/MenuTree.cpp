@@ -110,7 +110,8 @@ bool isNationalEntry(const QString& name) {
     if (name == QStringLiteral("mnu_out_newsaison") || name == QStringLiteral("mnu_out_newnumero"))
         return true;
     // Every numbered tool; the data check only reads.
-    return name.startsWith(QStringLiteral("mnu_outils_")) && name != QStringLiteral("mnu_outils_verif");
+    return name.startsWith(QStringLiteral("mnu_outils_")) &&
+           name != QStringLiteral("mnu_outils_verif");
 }
 
 bool entryAllowed(const QString& name, bool signedIn, const QString& login, bool national) {

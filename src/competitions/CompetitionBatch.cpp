@@ -116,11 +116,10 @@ int competition(app::BatchContext& c) {
 }  // namespace
 
 void registerCompetitionBatchCommands(app::BatchRegistry& registry) {
-    registry.add({QStringLiteral("competition"), kUsage + QStringLiteral(" --as LOGIN"), competition,
-                  [](const app::BatchContext& c) {
-                      return app::BatchRights{
-                          QStringLiteral("mnu_fic_competition_gestion"),
-                          c.positional().value(0) != QStringLiteral("list")};
+    registry.add({QStringLiteral("competition"), kUsage + QStringLiteral(" --as LOGIN"),
+                  competition, [](const app::BatchContext& c) {
+                      return app::BatchRights{QStringLiteral("mnu_fic_competition_gestion"),
+                                              c.positional().value(0) != QStringLiteral("list")};
                   }});
 }
 

@@ -1,8 +1,8 @@
 #include "competitions/CompetitionRegister.h"
 
 #include <QHash>
-#include <QSet>
 #include <QRegularExpression>
+#include <QSet>
 
 #include "reference/ReferenceCodes.h"
 #include "store/Clock.h"
@@ -549,8 +549,8 @@ int assignCompetitionOwners(Store& store) {
     if (!competitions && !invoices) return 0;
     store::Transaction tx(store);
     int assigned = 0;
-    for (const auto& r : store.select(QStringLiteral("SELECT c_index FROM strcompetition WHERE ") +
-                                      unassigned)) {
+    for (const auto& r :
+         store.select(QStringLiteral("SELECT c_index FROM strcompetition WHERE ") + unassigned)) {
         const QString index = text(r, "c_index");
         assigned += store.update(QStringLiteral("strcompetition"),
                                  {{"c_niveau", ownerFromRows(store, index)}},

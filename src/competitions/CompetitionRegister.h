@@ -108,8 +108,8 @@ struct TeamCounts {
 };
 // Writes the counts of one party row; each must be a whole number ≥ 0 (an
 // empty box is 0), else a Refusal naming the row and nothing is written.
-void setTeamCounts(store::Store& store, const reference::Viewer& viewer,
-                   const QString& partyIndex, const TeamCounts& counts);
+void setTeamCounts(store::Store& store, const reference::Viewer& viewer, const QString& partyIndex,
+                   const TeamCounts& counts);
 
 // The level that owns a competition, from its master (`index` may name the
 // master or one of its party rows); the national level when none is recorded.

@@ -94,11 +94,13 @@ void registerImportBatchCommands(app::BatchRegistry& registry) {
     registry.add({QStringLiteral("import"), kUsage + QStringLiteral(" --as LOGIN"), importFile,
                   [](const app::BatchContext& c) {
                       const QString kind = c.positional().value(0);
-                      const QString entry =
-                          kind == QStringLiteral("clubs")   ? QStringLiteral("mnu_fic_club_integration")
-                          : kind == QStringLiteral("depts") ? QStringLiteral("mnu_fic_dept_integration")
-                          : kind == QStringLiteral("cdc")   ? QStringLiteral("mnu_fic_cdc")
-                                                            : QStringLiteral("mnu_fic_prive");
+                      const QString entry = kind == QStringLiteral("clubs")
+                                                ? QStringLiteral("mnu_fic_club_integration")
+                                            : kind == QStringLiteral("depts")
+                                                ? QStringLiteral("mnu_fic_dept_integration")
+                                            : kind == QStringLiteral("cdc")
+                                                ? QStringLiteral("mnu_fic_cdc")
+                                                : QStringLiteral("mnu_fic_prive");
                       return app::BatchRights{entry, true};
                   }});
 }

@@ -19,12 +19,11 @@ namespace {
 // comes too, so that the mailing and the reports that choose by nature find
 // the credit note beside its invoice.
 const char* const kCopiedHeaderColumns[] = {
-    "ent_fact_lib",         "ent_fact_president", "ent_fact_ad1",      "ent_fact_ad2",
-    "ent_fact_ad3",         "ent_fact_ad4",       "ent_fact_cp_ville", "ent_clt_lib",
-    "ent_clt_president",    "ent_clt_ad1",        "ent_clt_ad2",       "ent_clt_ad3",
-    "ent_clt_ad4",          "ent_clt_cp_ville",   "ent_fact_mail1",    "ent_fact_mail2",
-    "ent_fact_competition", "ent_fact_entite",    "ent_clt_entite",    "ent_tiers_fact",
-    "ent_tiers_clt",        "ent_c_codification", "ent_c_index",       "ent_nature",
+    "ent_fact_lib", "ent_fact_president", "ent_fact_ad1", "ent_fact_ad2", "ent_fact_ad3",
+    "ent_fact_ad4", "ent_fact_cp_ville", "ent_clt_lib", "ent_clt_president", "ent_clt_ad1",
+    "ent_clt_ad2", "ent_clt_ad3", "ent_clt_ad4", "ent_clt_cp_ville", "ent_fact_mail1",
+    "ent_fact_mail2", "ent_fact_competition", "ent_fact_entite", "ent_clt_entite", "ent_tiers_fact",
+    "ent_tiers_clt", "ent_c_codification", "ent_c_index", "ent_nature",
     // The credit note belongs to the books of the level that issued the invoice.
     "ent_niveau"};
 
@@ -47,8 +46,9 @@ std::optional<QString> refusalFor(const Store& store, const QString& number,
     if (!header) return QStringLiteral("La facture N° %1 n'existe pas.").arg(number);
     const QString issuer = header->value(2).toString();
     if (!reference::levelMayChange(operatorLevel, issuer))
-        return QStringLiteral("La facture N° %1 est une facture %2 : seuls ce niveau et le niveau "
-                              "national peuvent l'annuler.")
+        return QStringLiteral(
+                   "La facture N° %1 est une facture %2 : seuls ce niveau et le niveau "
+                   "national peuvent l'annuler.")
             .arg(number, reference::ofLevel(issuer));
     // A negative invoice counts as a credit note as much as one made here.
     if (header->value(0).toString().trimmed() == kCreditNoteType ||

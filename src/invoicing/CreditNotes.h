@@ -59,11 +59,9 @@ using CreditNoteProgress = std::function<bool(const IssuedCreditNote& issued, in
 //
 // The invoice list's rows that show a cancelled invoice take the credit note's
 // date (the workstation's own listing).
-std::vector<IssuedCreditNote> issueCreditNotes(store::Store& store,
-                                               const std::vector<QString>& invoices,
-                                               const QDate& today,
-                                               const CreditNoteProgress& progress = {},
-                                               const QString& operatorLevel =
-                                                   reference::kNationalLevel);
+std::vector<IssuedCreditNote> issueCreditNotes(
+    store::Store& store, const std::vector<QString>& invoices, const QDate& today,
+    const CreditNoteProgress& progress = {},
+    const QString& operatorLevel = reference::kNationalLevel);
 
 }  // namespace orve::invoicing

@@ -1,11 +1,11 @@
 #include <QDir>
 
 #include "app/BatchCommands.h"
-#include "reference/Visibility.h"
 #include "invoicing/CreditNotes.h"
 #include "invoicing/DocumentSettings.h"
 #include "invoicing/InvoiceFiles.h"
 #include "invoicing/InvoicingBatch.h"
+#include "reference/Visibility.h"
 #include "store/Refusal.h"
 
 namespace orve::invoicing {
@@ -54,17 +54,17 @@ int creditNotes(app::BatchContext& c) {
         throw Refusal(
             QStringLiteral("Argument manquant. Usage : orve-batch %1").arg(kCreditNoteUsage));
     app::Session& session = c.session();
-    const auto issued =
-        issueCreditNotes(session.store(), {numbers.begin(), numbers.end()}, session.today(),
-                         [&c](const IssuedCreditNote& note, int, int) {
-                             // Printed as each is committed: a later failure
-                             // leaves these made, and the output says so.
-                             c.out() << "avoir N° " << note.creditNote << " : facture N° "
-                                     << note.invoice << " annulée\n";
-                             c.out().flush();
-                             return true;
-                         },
-                         reference::Viewer::of(session).level());
+    const auto issued = issueCreditNotes(
+        session.store(), {numbers.begin(), numbers.end()}, session.today(),
+        [&c](const IssuedCreditNote& note, int, int) {
+            // Printed as each is committed: a later failure
+            // leaves these made, and the output says so.
+            c.out() << "avoir N° " << note.creditNote << " : facture N° " << note.invoice
+                    << " annulée\n";
+            c.out().flush();
+            return true;
+        },
+        reference::Viewer::of(session).level());
     c.out() << issued.size() << " avoir(s) généré(s)\n";
     return 0;
 }

@@ -142,9 +142,9 @@ void registerMailBatchCommands(app::BatchRegistry& r) {
     r.add({QStringLiteral("mail"), kMailUsage + QStringLiteral(" --as LOGIN"), mail,
            [](const app::BatchContext& c) {
                // Invoices are mailed from the entry window of their nature.
-               const QString entry = app::entryOfMode(
-                   QStringLiteral("ORVE_facture_creation"),
-                   c.option(QStringLiteral("--nature")).trimmed().toUpper());
+               const QString entry =
+                   app::entryOfMode(QStringLiteral("ORVE_facture_creation"),
+                                    c.option(QStringLiteral("--nature")).trimmed().toUpper());
                return app::BatchRights{
                    entry.isEmpty() ? QStringLiteral("mnu_facturation_globale") : entry, true};
            }});

@@ -31,7 +31,8 @@ struct TransferWorld {
     TransferResult transfer(TransferLayout layout, const QString& month = {},
                             const TransferOptions& options = {}) {
         const bool league = layout == TransferLayout::League;
-        if (league) store().exec("UPDATE strentete SET ent_niveau = 'LR06' WHERE ent_niveau IS NULL");
+        if (league)
+            store().exec("UPDATE strentete SET ent_niveau = 'LR06' WHERE ent_niveau IS NULL");
         return writeTransfer(store(), folder(), layout, league ? "LR06" : "JKV",
                              test::seasonSelection("2021", month), today(), options);
     }
@@ -155,16 +156,16 @@ TEST(AccountingTransfer, EachLevelTransfersWhatItIssuedAndNewInvoicesWaitForTheN
     w.store().exec("UPDATE strentete SET ent_niveau = 'CD013' WHERE ent_fact_no = '2021000012'");
     const auto transfer = [&](TransferLayout layout, const QString& level,
                               const TransferOptions& options = {}) {
-        return writeTransfer(w.store(), w.folder(), layout, level,
-                             test::seasonSelection("2021"), w.today(), options);
+        return writeTransfer(w.store(), w.folder(), layout, level, test::seasonSelection("2021"),
+                             w.today(), options);
     };
     // An invoice committed by another workstation while the file is written
     // is neither in the file nor marked, and does not stop the transfer.
     TransferOptions options;
     options.checkpoint = [&](TransferStage reached) {
         if (reached == TransferStage::FileWritten)
-            test::addInvoice(w.store(), "2021000031", "F", "1FA00001", "DIV", "CD077",
-                             "03/12/2020", "03/12/2020", {{"00000005", "Frais", 2, 1500}});
+            test::addInvoice(w.store(), "2021000031", "F", "1FA00001", "DIV", "CD077", "03/12/2020",
+                             "03/12/2020", {{"00000005", "Frais", 2, 1500}});
     };
     EXPECT_EQ(transfer(TransferLayout::National, "JKV", options).invoices, 2);
     EXPECT_EQ(test::transferMark(w.store(), "2021000013"), "O");

@@ -119,8 +119,9 @@ TEST(Batch, EachCommandHasTheOperatorsRightsAsTheMenuGivesThem) {
     {
         auto s = inst.start();
         national = s->store()
-                       .scalar("SELECT c_index FROM strcompetition WHERE c_intitule = 'Challenge "
-                               "fédéral' AND index_reference = '00000000'")
+                       .scalar(
+                           "SELECT c_index FROM strcompetition WHERE c_intitule = 'Challenge "
+                           "fédéral' AND index_reference = '00000000'")
                        .toString();
     }
     QString out, err;
@@ -150,8 +151,7 @@ TEST(Batch, EachCommandHasTheOperatorsRightsAsTheMenuGivesThem) {
     EXPECT_TRUE(err.contains("est une facture du niveau national")) << err.toStdString();
     // A read needs no operator; the national level may do all of it.
     EXPECT_EQ(run({"outil", "2"}), 0) << err.toStdString();
-    EXPECT_EQ(run({"--as", "gestu", "competition", "calculate", national}), 0)
-        << err.toStdString();
+    EXPECT_EQ(run({"--as", "gestu", "competition", "calculate", national}), 0) << err.toStdString();
     EXPECT_EQ(run({"--as", "gestu", "avoir", orve::test::kLeagueInvoice}), 0) << err.toStdString();
     auto s = inst.start();
     EXPECT_FALSE(s->store().exists("SELECT 1 FROM strparam WHERE par_login = 'pirate'"));

@@ -447,8 +447,7 @@ TEST(CompetitionRegister, EachLevelChangesOnlyWhatItOwnsAndOldCompetitionsTakeTh
               }),
               "(no refusal)");
     r.index = league;
-    EXPECT_NE(refusal([&] { createComplementaryCompetition(s, kCommittee13, r); }),
-              "(no refusal)");
+    EXPECT_NE(refusal([&] { createComplementaryCompetition(s, kCommittee13, r); }), "(no refusal)");
     // The owner and the national level may.
     setTeamCounts(s, kCommittee13, rowOf(s, committee, "CL13001"), {"2", "0", "0"});
     setTeamCounts(s, kNational, rowOf(s, committee, "CL13001"), {"3", "0", "0"});

@@ -341,14 +341,15 @@ TEST(CompetitionScreen, AnotherLevelsCompetitionIsShownReadOnlyAndNamesItsOwner)
     auto session = inst.startAs("CD13");
     const QString national =
         session->store()
-            .scalar("SELECT c_index FROM strcompetition WHERE c_intitule = 'Challenge fédéral' "
-                    "AND index_reference = '00000000'")
+            .scalar(
+                "SELECT c_index FROM strcompetition WHERE c_intitule = 'Challenge fédéral' "
+                "AND index_reference = '00000000'")
             .toString();
     ASSERT_FALSE(national.isEmpty());
-    const int rows = session->store()
-                         .scalar("SELECT COUNT(*) FROM strcompetition WHERE index_reference = ?",
-                                 {national})
-                         .toInt();
+    const int rows =
+        session->store()
+            .scalar("SELECT COUNT(*) FROM strcompetition WHERE index_reference = ?", {national})
+            .toInt();
     app::ScriptedDialogs dialogs;
     Window w(*session, dialogs);
     app::DataGrid* list = w.grid("DBGrid1");
@@ -366,11 +367,11 @@ TEST(CompetitionScreen, AnotherLevelsCompetitionIsShownReadOnlyAndNamesItsOwner)
     w.click("Cmdfacture");
     EXPECT_EQ(next(dialogs), refusal.toStdString());
     // Nothing of the committee's reached the competition.
-    EXPECT_EQ(session->store()
-                  .scalar("SELECT COUNT(*) FROM strcompetition WHERE index_reference = ?",
-                          {national})
-                  .toInt(),
-              rows);
+    EXPECT_EQ(
+        session->store()
+            .scalar("SELECT COUNT(*) FROM strcompetition WHERE index_reference = ?", {national})
+            .toInt(),
+        rows);
     EXPECT_EQ(session->store()
                   .scalar("SELECT COUNT(*) FROM strcompetition WHERE index_reference = ? AND "
                           "c_facture = 'C'",

@@ -161,9 +161,10 @@ TEST(ImportRobustness, OrveBatchPrintsTheReportAndRefusesAFileItCannotRead) {
     test::TestInstall inst;
     QTemporaryDir dir;
     QString out, err;
-    EXPECT_EQ(test::runProgram(
-                  kBatch, {"--home", inst.home(), "--as", "gestu", "import", "clubs", dir.filePath("absent.csv")},
-                  "", &out, &err),
+    EXPECT_EQ(test::runProgram(kBatch,
+                               {"--home", inst.home(), "--as", "gestu", "import", "clubs",
+                                dir.filePath("absent.csv")},
+                               "", &out, &err),
               1);
     EXPECT_EQ(err.trimmed(),
               QStringLiteral("Le fichier %1 est introuvable.").arg(dir.filePath("absent.csv")));
@@ -172,7 +173,8 @@ TEST(ImportRobustness, OrveBatchPrintsTheReportAndRefusesAFileItCannotRead) {
         dir, "prive.csv",
         "2027;TP;13;1;;01/03/27;Tournoi;10;5;;;CL13001 Phocéen\n2027;TP;13;x;;01/03/27;T\n");
     ASSERT_EQ(
-        test::runProgram(kBatch, {"--home", inst.home(), "--as", "gestu", "import", "prive", file}, "", &out, &err),
+        test::runProgram(kBatch, {"--home", inst.home(), "--as", "gestu", "import", "prive", file},
+                         "", &out, &err),
         0)
         << err.toStdString();
     EXPECT_TRUE(
@@ -185,29 +187,31 @@ TEST(ImportRobustness, OrveBatchPrintsTheReportAndRefusesAFileItCannotRead) {
         << out.toStdString();
     // Again without --doublons: the question is answered no.
     ASSERT_EQ(
-        test::runProgram(kBatch, {"--home", inst.home(), "--as", "gestu", "import", "prive", file}, "", &out, &err),
+        test::runProgram(kBatch, {"--home", inst.home(), "--as", "gestu", "import", "prive", file},
+                         "", &out, &err),
         0);
     EXPECT_TRUE(
         out.contains("1 compétitions de ce fichier existent déjà. Les importer une seconde "
                      "fois ? non\n"))
         << out.toStdString();
     EXPECT_TRUE(out.contains("créations : 0 ;"));
-    ASSERT_EQ(test::runProgram(
-                  kBatch, {"--home", inst.home(), "--as", "gestu", "import", "prive", file, "--doublons", "oui"}, "",
-                  &out, &err),
+    ASSERT_EQ(test::runProgram(kBatch,
+                               {"--home", inst.home(), "--as", "gestu", "import", "prive", file,
+                                "--doublons", "oui"},
+                               "", &out, &err),
               0);
     EXPECT_TRUE(out.contains("créations : 1 ;")) << out.toStdString();
-    EXPECT_EQ(
-        test::runProgram(
-            kBatch, {"--home", inst.home(), "--as", "gestu", "import", "prive", file, "--doublons", "peut-être"}, "",
-            &out, &err),
-        1);
+    EXPECT_EQ(test::runProgram(kBatch,
+                               {"--home", inst.home(), "--as", "gestu", "import", "prive", file,
+                                "--doublons", "peut-être"},
+                               "", &out, &err),
+              1);
 
     // The championship takes its season and final from the command line.
     const QString cdc = test::writeFile(dir, "cdc.csv", "CL13001 Phocéen;1;0;0;2;0;0\n");
     ASSERT_EQ(test::runProgram(kBatch,
-                               {"--home", inst.home(), "--as", "gestu", "import", "cdc", cdc, "--saison", "2028",
-                                "--date", "03/06/2028"},
+                               {"--home", inst.home(), "--as", "gestu", "import", "cdc", cdc,
+                                "--saison", "2028", "--date", "03/06/2028"},
                                "", &out, &err),
               0)
         << err.toStdString();
@@ -216,9 +220,10 @@ TEST(ImportRobustness, OrveBatchPrintsTheReportAndRefusesAFileItCannotRead) {
                   .scalar("SELECT c_date_finale FROM strcompetition WHERE c_index = '8FD00002'")
                   .toString(),
               "03/06/2028");
-    EXPECT_EQ(
-        test::runProgram(kBatch, {"--home", inst.home(), "--as", "gestu", "import", "cdc", cdc, "--saison", "20x8"},
-                         "", &out, &err),
-        1);
+    EXPECT_EQ(test::runProgram(kBatch,
+                               {"--home", inst.home(), "--as", "gestu", "import", "cdc", cdc,
+                                "--saison", "20x8"},
+                               "", &out, &err),
+              1);
     EXPECT_EQ(err.trimmed(), "La saison « 20x8 » n'est pas une année.");
 }

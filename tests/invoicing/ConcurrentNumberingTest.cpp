@@ -94,8 +94,9 @@ TEST(ConcurrentNumbering, FourWorkstationsAtOnceNeitherRepeatNorSkipANumber) {
 
     // A count that is no count writes nothing.
     QString out, err;
-    EXPECT_EQ(test::runProgram(kBatch, {"--home", inst.home(), "--as", "gestu", "factures-essai", "douze"}, "", &out,
-                               &err),
+    EXPECT_EQ(test::runProgram(kBatch,
+                               {"--home", inst.home(), "--as", "gestu", "factures-essai", "douze"},
+                               "", &out, &err),
               1);
     EXPECT_TRUE(err.contains("n'est pas valide")) << err.toStdString();
     EXPECT_EQ(highestNumber(s), before + kWorkstations * kEach);

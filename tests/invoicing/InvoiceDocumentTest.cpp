@@ -440,14 +440,16 @@ TEST(InvoiceDocument, BatchCommand) {
         << qPrintable(err);
     EXPECT_TRUE(out.contains("CL13001_FN_2026000001.pdf")) << qPrintable(out);
     EXPECT_TRUE(out.contains("LR06_FN_2026000003.pdf"));
-    EXPECT_EQ(test::runProgram(
-                  ORVE_BATCH,
-                  {"--home", inst.home(), "--as", "gestu", "pdf", "--credit-notes", "2026000001", "2026000009"}, {},
-                  &out, &err),
+    EXPECT_EQ(test::runProgram(ORVE_BATCH,
+                               {"--home", inst.home(), "--as", "gestu", "pdf", "--credit-notes",
+                                "2026000001", "2026000009"},
+                               {}, &out, &err),
               0);
     EXPECT_TRUE(out.contains("CD013_FN_2026000004.pdf")) << qPrintable(out);
     EXPECT_EQ(
-        test::runProgram(ORVE_BATCH, {"--home", inst.home(), "--as", "gestu", "pdf", "424242"}, {}, &out, &err), 1);
+        test::runProgram(ORVE_BATCH, {"--home", inst.home(), "--as", "gestu", "pdf", "424242"}, {},
+                         &out, &err),
+        1);
     EXPECT_TRUE((out + err).contains("La facture N° 424242 n'existe pas."))
         << qPrintable(out + err);
 }

@@ -133,13 +133,15 @@ TEST(MailPanel, OrveBatchMailsAsThePanelDoesAndKeepsTheTexts) {
     const QString batch = QStringLiteral(ORVE_BATCH);
     const QStringList env{"ORVE_TODAY=21/11/2026"};
     QString out, err;
-    EXPECT_EQ(test::runProgram(batch, {"--home", inst.home(), "--as", "gestu", "mail-text", "set", "relance"},
-                               "Merci de régler\ncette facture.\n", &out, &err, env),
+    EXPECT_EQ(test::runProgram(
+                  batch, {"--home", inst.home(), "--as", "gestu", "mail-text", "set", "relance"},
+                  "Merci de régler\ncette facture.\n", &out, &err, env),
               0)
         << err.toStdString();
     EXPECT_EQ(out, "texte ajouté : relance\n");
-    EXPECT_EQ(test::runProgram(batch, {"--home", inst.home(), "--as", "gestu", "mail-text", "set", "RELANCE"},
-                               "Second texte\n", &out, &err, env),
+    EXPECT_EQ(test::runProgram(
+                  batch, {"--home", inst.home(), "--as", "gestu", "mail-text", "set", "RELANCE"},
+                  "Second texte\n", &out, &err, env),
               0);
     EXPECT_EQ(out, "texte remplacé : RELANCE\n");
     test::runProgram(batch, {"--home", inst.home(), "mail-text", "list"}, {}, &out, &err, env);
@@ -173,8 +175,9 @@ TEST(MailPanel, OrveBatchMailsAsThePanelDoesAndKeepsTheTexts) {
         << out.toStdString();
     EXPECT_EQ(test::headerValue(inst.start()->store(), test::kLeagueInvoice, "ent_envoi_mail"),
               "N");
-    EXPECT_EQ(test::runProgram(batch, {"--home", inst.home(), "--as", "gestu", "mail", "--competition"}, {}, &out,
-                               &err, env),
-              1);
+    EXPECT_EQ(
+        test::runProgram(batch, {"--home", inst.home(), "--as", "gestu", "mail", "--competition"},
+                         {}, &out, &err, env),
+        1);
     EXPECT_EQ(err, "Veuillez sélectionner la nature\n");
 }

@@ -8,7 +8,6 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include "reference/Visibility.h"
 #include "accounting/AccountingConstants.h"
 #include "accounting/AccountingTransfer.h"
 #include "accounting/ui/ReportWidgets.h"
@@ -16,6 +15,7 @@
 #include "app/ui/DataGrid.h"
 #include "app/ui/ScreenSupport.h"
 #include "invoicing/ui/SelectionPanel.h"
+#include "reference/Visibility.h"
 
 namespace orve::accounting {
 
@@ -122,9 +122,9 @@ void ORVE_facture_compta::transfer() {
         struct Cursor {
             ~Cursor() { QGuiApplication::restoreOverrideCursor(); }
         } restore;
-        result = writeTransfer(m_session.store(), m_session.dataFolder(), m_layout,
-                               reference::Viewer::of(m_session).level(), selection,
-                               m_session.today());
+        result =
+            writeTransfer(m_session.store(), m_session.dataFolder(), m_layout,
+                          reference::Viewer::of(m_session).level(), selection, m_session.today());
     });
     if (written) m_dialogs.inform(kTransferWritten + QDir::toNativeSeparators(result.path));
     refresh();

@@ -172,9 +172,8 @@ void ORVE_menu::applyRights() {
     for (const MenuEntry& e : menuTree()) {
         // Greyed means "not for you" only; an entry whose window is not built
         // yet says so when chosen.
-        m_actions[e.name]->setEnabled(
-            entryAllowed(e.name, m_session.signedIn(), m_session.user().login,
-                         m_session.isNational()));
+        m_actions[e.name]->setEnabled(entryAllowed(e.name, m_session.signedIn(),
+                                                   m_session.user().login, m_session.isNational()));
     }
 }
 

@@ -9,7 +9,6 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include "reference/Visibility.h"
 #include "app/ui/ScreenSupport.h"
 #include "invoicing/CreditNotes.h"
 #include "invoicing/ui/InvoiceHeaderBox.h"
@@ -19,6 +18,7 @@
 #include "invoicing/ui/InvoiceMailingFlow.h"
 #include "invoicing/ui/InvoiceOutput.h"
 #include "invoicing/ui/InvoicePartyChooser.h"
+#include "reference/Visibility.h"
 #include "store/Formats.h"
 
 namespace orve::invoicing {
