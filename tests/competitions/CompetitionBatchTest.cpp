@@ -226,8 +226,12 @@ TEST(CompetitionBatch, AKilledRunIsFinishedNeverBilledTwice) {
     // Killed while documents are being made: rows "A" wait for theirs.
     killWhen(inst, index, [&] { return rowsIn(s, index, "F") >= 40; });
     checkInvariant(s, index, folder);
-    const int afterFirst = rowsIn(s, index, "AF");
-    EXPECT_GE(afterFirst, 40);
+    // The kill may fall between an invoice's commit and its row's: that
+    // invoice counts as written, its row is given it back below.
+    const int afterFirst =
+        s.scalar("SELECT COUNT(*) FROM strentete WHERE ent_c_index LIKE 'FD7%'").toInt();
+    EXPECT_GE(rowsIn(s, index, "AF"), 40);
+    EXPECT_LE(afterFirst - rowsIn(s, index, "AF"), 1);
     EXPECT_LT(afterFirst, 605);
 
     // What a clerk does next: calculate again. The rows with an invoice are
