@@ -19,7 +19,7 @@ const QString kFilters = QStringLiteral(
     "[--type T] [--nature N] [--organisateur CODE] [--departement CODE] [--nom TEXTE] "
     "[--cod1..--cod5 VALEUR] [--facture NUMERO] [--competition INDEX]");
 const QString kTransferUsage = QStringLiteral("transfert [--saison S] [--mois MM/AAAA] ") +
-                               kFilters + QStringLiteral(" | transfert --annuler FICHIER");
+                               kFilters + QStringLiteral(" [--oui] | transfert --annuler FICHIER");
 const QString kJournalUsage = QStringLiteral("journal [--saison S] [--mois MM/AAAA] ") + kFilters +
                               QStringLiteral(" --csv FICHIER");
 const QString kStatsUsage =
@@ -79,9 +79,22 @@ int transfer(app::BatchContext& c) {
         throw Refusal(
             QStringLiteral("Indiquez l'opérateur du transfert avec --as LOGIN : la "
                            "présentation du fichier dépend de sa ligue."));
-    const TransferResult r = writeTransfer(
-        session.store(), session.dataFolder(), transferLayoutOf(session.user().league),
-        reference::Viewer::of(session).level(), selectionOf(c), session.today());
+    const TransferLayout layout = transferLayoutOf(session.user().league);
+    const QString level = reference::Viewer::of(session).level();
+    const invoicing::SelectionCondition selection = selectionOf(c);
+    if (layout == TransferLayout::National) {
+        // As the window asks first: the clerk may complete the tariffs.
+        const auto unaccounted = linesWithoutAccount(session.store(), selection, level);
+        if (!unaccounted.empty()) {
+            if (!c.hasFlag(QStringLiteral("--oui")))
+                throw Refusal(linesWithoutAccountText(unaccounted) +
+                              QStringLiteral("\nRelancez avec --oui pour écrire le fichier "
+                                             "quand même."));
+            c.out() << linesWithoutAccountText(unaccounted) << "\n";
+        }
+    }
+    const TransferResult r = writeTransfer(session.store(), session.dataFolder(), layout, level,
+                                           selection, session.today());
     c.out() << kTransferWritten << QDir::toNativeSeparators(r.path) << "\n"
             << r.lines << " ligne(s), " << r.invoices << " facture(s)\n";
     return 0;

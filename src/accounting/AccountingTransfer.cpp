@@ -37,21 +37,26 @@ const QString kWritten = QStringLiteral("T");
 // Headers updated by one statement; well under both engines' limits on values.
 constexpr int kChunk = 200;
 
-// The accounts of a line. National: the nature's tariff of the article
-// (strtarif, the earliest first); without one, the article's own account.
-// League: the article's account and, for licences and miscellaneous
-// articles, its analysis code; any other article takes the line's nature.
+// The nature's tariff of a line's article (strtarif, the earliest first).
+QString lineTariff(const QString& column) {
+    return QStringLiteral(
+               "(SELECT t.%1 FROM strtarif t WHERE t.t_nature = f.f_nature AND t.t_article = "
+               "f.f_article ORDER BY t.t_tri_deb LIMIT 1)")
+        .arg(column);
+}
+
+// The accounts of a line. National: the tariff's account alone (a line
+// without one is written without account, and the clerk is told before);
+// its second code, else the line's nature. League: the article's account and,
+// for licences and miscellaneous articles, its analysis code; any other
+// article takes the line's nature.
 QString accountColumns(TransferLayout layout) {
-    if (layout == TransferLayout::National) {
-        const QString tariff = QStringLiteral(
-            "(SELECT t.%1 FROM strtarif t WHERE t.t_nature = f.f_nature AND t.t_article = "
-            "f.f_article ORDER BY t.t_tri_deb LIMIT 1)");
+    if (layout == TransferLayout::National)
         return QStringLiteral(
-                   "COALESCE(NULLIF(%1, ''), NULLIF(a.a_cpta, ''), '%2') AS t_kvarn, "
-                   "COALESCE(NULLIF(%3, ''), NULLIF(f.f_nature, ''), '%4') AS t_jkv")
-            .arg(tariff.arg(QStringLiteral("t_kvarn")), kDefaultSalesAccount,
-                 tariff.arg(QStringLiteral("t_jkv")), kDefaultAnalysisCode);
-    }
+                   "COALESCE(%1, '') AS t_kvarn, "
+                   "COALESCE(NULLIF(%2, ''), NULLIF(f.f_nature, ''), '%3') AS t_jkv")
+            .arg(lineTariff(QStringLiteral("t_kvarn")), lineTariff(QStringLiteral("t_jkv")),
+                 kDefaultAnalysisCode);
     return QStringLiteral(
                "COALESCE(NULLIF(a.a_cpta, ''), '%1') AS t_kvarn, CASE WHEN a.a_nature IN ('%2', "
                "'%3') THEN COALESCE(NULLIF(a.a_analytique, ''), '%4') ELSE "
@@ -318,6 +323,42 @@ ReportTotals transferSelectionTotals(const store::Store& store,
         t.quantity = row->value(2).toLongLong();
     }
     return t;
+}
+
+std::vector<LinesWithoutAccount> linesWithoutAccount(const store::Store& store,
+                                                     const invoicing::SelectionCondition& selection,
+                                                     const QString& level) {
+    const QString account = lineTariff(QStringLiteral("t_kvarn"));
+    const store::Condition where =
+        transferCondition(selection, level) &&
+        store::Condition(QStringLiteral("COALESCE(trim(%1), '') = ''").arg(account));
+    std::vector<LinesWithoutAccount> out;
+    for (const auto& r :
+         store.select(QStringLiteral("SELECT f.f_article, f.f_nature, COUNT(*)") + kTransferFrom +
+                          where.where() +
+                          QStringLiteral(" GROUP BY f.f_article, f.f_nature ORDER BY f.f_article, "
+                                         "f.f_nature"),
+                      where.params()))
+        out.push_back(
+            {r.value(0).toString().trimmed(), r.value(1).toString().trimmed(), r.value(2).toInt()});
+    return out;
+}
+
+QString linesWithoutAccountText(const std::vector<LinesWithoutAccount>& lines) {
+    int total = 0;
+    QStringList which;
+    for (const auto& l : lines) {
+        total += l.lines;
+        which << QStringLiteral("article %1, nature %2 : %3 ligne(s)")
+                     .arg(l.article, l.nature.isEmpty() ? QStringLiteral("(aucune)") : l.nature)
+                     .arg(l.lines);
+    }
+    return QStringLiteral(
+               "%1 ligne(s) à transférer n'ont pas de compte KVARN dans les tarifs ; elles "
+               "seront écrites sans compte :\n%2\nComplétez les tarifs de ces articles pour "
+               "qu'elles en aient un.")
+        .arg(total)
+        .arg(which.join(QChar('\n')));
 }
 
 QString nationalTransferName(const QDate& day) {

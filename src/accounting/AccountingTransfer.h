@@ -40,6 +40,19 @@ ReportTotals transferSelectionTotals(const store::Store& store,
 // The grid's columns.
 const std::vector<ReportColumn>& transferColumns();
 
+// National lines whose tariff gives no account (written without one), by
+// article and nature: the clerk may complete the tariffs before writing.
+struct LinesWithoutAccount {
+    QString article;
+    QString nature;
+    int lines = 0;
+};
+std::vector<LinesWithoutAccount> linesWithoutAccount(const store::Store& store,
+                                                     const invoicing::SelectionCondition& selection,
+                                                     const QString& level);
+// What the clerk is told about them, in French.
+QString linesWithoutAccountText(const std::vector<LinesWithoutAccount>& lines);
+
 // Points where a transfer can be stopped by a test, to prove that nothing
 // half-done remains.
 enum class TransferStage {

@@ -54,7 +54,7 @@ void takeInvoice(TransferContent& content, const std::optional<QString>& header)
         content.invoices.push_back(*header);
 }
 
-QString leagueAmount(Money m) { return format::zeroPaddedAmount(m, 5, QChar('.')); }
+QString leagueAmount(Money m) { return format::zeroPaddedAmount(m, 5, QChar(',')); }
 
 }  // namespace
 
@@ -130,10 +130,9 @@ TransferContent leagueTransfer(const std::vector<LeagueLine>& rows,
         for (; j < rows.size() && sameKey(rows[j].number, number); ++j) {
             const LeagueLine& r = rows[j];
             total += r.amount;
-            appendLine(text, r.lead + field(r.account) + QChar(';') +
-                                 field(r.billedParty.trimmed()) + QChar('-') + r.number +
-                                 QStringLiteral(" du ") + r.invoiceDate + QChar(';') +
-                                 leagueAmount(r.amount) + QChar(';') +
+            appendLine(text, r.lead + field(r.account) + QChar(';') + field(r.billedParty) +
+                                 QChar('-') + r.number + QStringLiteral(" du ") + r.invoiceDate +
+                                 QChar(';') + leagueAmount(r.amount) + QChar(';') +
                                  (r.amount.isNegative() ? kDebit : kCredit) + QChar(';') +
                                  field(r.analysis) + QChar(';'));
             ++out.lines;

@@ -62,12 +62,18 @@ const QString kSums = QStringLiteral(
     "CAST(SUM(f.f_qte) AS BIGINT) AS f_qte, CAST(SUM(f.f_montant) AS BIGINT) AS f_montant, "
     "COUNT(*) AS x_lignes");
 
-// What a line must be to count: the panel's competitions and lines, the
-// period, and the mode's organisers.
-store::Condition keptLines(const StatisticsRequest& r) {
+// The lines of the panel's competitions and of the period: all of them go
+// into the totals, whatever the mode.
+store::Condition periodLines(const StatisticsRequest& r) {
     store::Condition c = r.selection.competitions && r.selection.lines;
     c &= store::Condition(QStringLiteral("f.f_tri_date >= ? AND f.f_tri_date <= ?"),
                           {r.period.from, r.period.to});
+    return c;
+}
+
+// The lines the summary groups: those of the period, of the mode's organisers.
+store::Condition keptLines(const StatisticsRequest& r) {
+    store::Condition c = periodLines(r);
     switch (r.mode) {
         case StatisticsMode::ByLeague:
             c &= store::Condition(QStringLiteral("upper(substr(c.c_cod4, 1, 1)) = 'R'"));
@@ -189,13 +195,22 @@ StatisticsResult computeStatistics(const store::Store& store, const StatisticsRe
         result.summary = grouped(store, organiserTotalSelect(), where, QStringLiteral("c.c_cod4"),
                                  QStringLiteral("c_nature, c_cod4"));
     }
+    // The totals are those of every line of the period, before the mode
+    // keeps its organisers' groups.
+    const store::Condition period = periodLines(request);
+    if (const auto sums = store.selectOne(
+            QStringLiteral("SELECT COUNT(*), CAST(COALESCE(SUM(f.f_montant), 0) AS BIGINT), "
+                           "CAST(COALESCE(SUM(f.f_qte), 0) AS BIGINT)") +
+                sql::kCompetitionLines + period.where(),
+            period.params())) {
+        result.totals.lines = sums->value(0).toInt();
+        result.totals.amount = Money::fromVariant(sums->value(1));
+        result.totals.quantity = sums->value(2).toLongLong();
+    }
     // One bar per nature (its articles added up) or per organiser.
     QString barKey;
     for (const auto& row : result.summary) {
         const Money amount = Money::fromVariant(row.value(QStringLiteral("f_montant")));
-        result.totals.amount += amount;
-        result.totals.quantity += row.value(QStringLiteral("f_qte")).toLongLong();
-        result.totals.lines += row.value(QStringLiteral("x_lignes")).toInt();
         const QString key =
             request.mode == StatisticsMode::ByNature ? text(row, "c_nature") : text(row, "c_cod4");
         const QString label = key.trimmed().isEmpty() ? QStringLiteral("(sans code)") : key;

@@ -67,15 +67,9 @@ ListingTotals refreshInvoiceListing(Store& store, const EntryMode& mode,
                                     const SelectionCondition& selection) {
     Store& scratch = store.scratch();
     const QStringList listingColumns = scratch.columns(kListing);
+    // The mode's mark alone chooses: "X" lists the invoices of every
+    // pseudo-competition, whichever mode is open; the panel narrows it.
     store::Condition which(QStringLiteral("c_facture = ?"), {mode.competitionFilter});
-    // A mode lists its own competitions only: its pseudo-competition, or the
-    // competitions whose nature is of the mode's type.
-    if (!mode.competitionIndex.isEmpty())
-        which &= store::Condition(QStringLiteral("c_index = ?"), {mode.competitionIndex});
-    else
-        which &= store::Condition(
-            QStringLiteral("c_nature IN (SELECT n_code FROM strnaturec WHERE n_type = ?)"),
-            {mode.natureType});
     which &= selection.competitions;
     const store::Rows competitions =
         store.select(QStringLiteral("SELECT * FROM strcompetition") + which.where() +
@@ -101,8 +95,16 @@ ListingTotals refreshInvoiceListing(Store& store, const EntryMode& mode,
         if (selection.monthKey != kNoMonth)
             invoices &= store::Condition(QStringLiteral("substr(ent_fact_tri, 1, 6) = ?"),
                                          {selection.monthKey});
+        // A cancelled invoice's rows keep showing its credit note's date.
+        const QString creditNote = QStringLiteral(
+            "(SELECT a.%1 FROM strentete a WHERE a.ent_fact_origine = e.ent_fact_no AND "
+            "a.ent_fact_type = 'A' ORDER BY CAST(a.ent_fact_no AS INTEGER) LIMIT 1)");
         const store::Rows headers = store.select(
-            QStringLiteral("SELECT ent_fact_no, ent_envoi_mail FROM strentete") + invoices.where(),
+            QStringLiteral("SELECT e.ent_fact_no, e.ent_envoi_mail, %1 AS x_avoir_date, %2 AS "
+                           "x_avoir_tri FROM strentete e")
+                    .arg(creditNote.arg(QStringLiteral("ent_fact_date")),
+                         creditNote.arg(QStringLiteral("ent_fact_tri"))) +
+                invoices.where(),
             invoices.params());
         for (const store::Row& header : headers) {
             const QString number = text(header, "ent_fact_no");
@@ -121,8 +123,11 @@ ListingTotals refreshInvoiceListing(Store& store, const EntryMode& mode,
                     row.emplace_back(field, value);
                 };
                 set(QStringLiteral("c_num_facture"), number);
-                set(QStringLiteral("c_date_facture"), line.value("f_date_fact"));
-                set(QStringLiteral("c_tri_facture"), line.value("f_tri_date"));
+                const bool cancelled = !text(header, "x_avoir_date").trimmed().isEmpty();
+                set(QStringLiteral("c_date_facture"),
+                    cancelled ? header.value("x_avoir_date") : line.value("f_date_fact"));
+                set(QStringLiteral("c_tri_facture"),
+                    cancelled ? header.value("x_avoir_tri") : line.value("f_tri_date"));
                 set(QStringLiteral("c_edt"), QStringLiteral(" "));
                 for (const char* f :
                      {"f_num_facture", "f_num_lig", "f_article", "f_libelle", "f_nature", "f_qte",

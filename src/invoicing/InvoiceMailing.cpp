@@ -53,16 +53,13 @@ std::vector<QString> inNumberOrder(const std::vector<QString>& invoices) {
 // The competition file first, then the invoice file, each in a transaction
 // of its own: SQLite commits attached files one after the other, so one
 // transaction over both could keep one and lose the other in a kill. In this
-// order a kill leaves at worst the competition rows done and the invoice
-// still listed as not mailed: mailing it again does the same again, while
-// the other order could lose the rows to invoice again for good.
-void markMailed(Store& store, const PreparedMail& mail, bool invoiceAgain) {
+// order a kill leaves at worst the competition rows marked and the invoice
+// still listed as not mailed: mailing it again does the same again.
+void markMailed(Store& store, const PreparedMail& mail) {
     {
         store::Transaction tx(store);
         store.update(QStringLiteral("strcompetition"), {{"c_envoi_mail", "O"}},
                      QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {mail.invoice});
-        if (invoiceAgain && !mail.cancelled.isEmpty())
-            resetCompetitionInvoicing(store, {mail.cancelled});
         tx.commit();
     }
     store::Transaction tx(store);
@@ -72,6 +69,19 @@ void markMailed(Store& store, const PreparedMail& mail, bool invoiceAgain) {
     store.scratch().update(
         QStringLiteral("strenvoi"), {{"c_edt", kNoTick}, {"ent_envoi_mail", "O"}},
         QStringLiteral("x_liste = ? AND ent_fact_no = ?"), {kList, mail.invoice});
+}
+
+// The invoices the credit notes among `numbers` cancel.
+std::vector<QString> cancelledBy(const Store& store, const std::vector<QString>& numbers) {
+    std::vector<QString> out;
+    for (const QString& n : numbers)
+        if (const auto h = store.selectOne(
+                QStringLiteral("SELECT ent_fact_origine FROM strentete WHERE ent_fact_no = ? AND "
+                               "ent_fact_type = ?"),
+                {n, kCreditNoteType});
+            h && !h->value(0).toString().trimmed().isEmpty())
+            out.push_back(h->value(0).toString().trimmed());
+    return out;
 }
 
 QString recipientsText(const MailMessage& m) {
@@ -276,6 +286,11 @@ MailRunReport sendInvoiceMails(Store& store, MailTransport& transport,
                       QStringLiteral(" (adresse de l'opérateur, copie de chaque mail)"));
     const std::vector<QString> numbers = inNumberOrder(invoices);
     const int total = static_cast<int>(numbers.size());
+    // The clerk answered before sending: every competition the run's credit
+    // notes cancel may be invoiced again, whether or not its mail leaves (a
+    // credit note without address or document must not leave it stuck).
+    if (options.realProcedure && options.invoiceAgain)
+        resetCompetitionInvoicing(store, cancelledBy(store, numbers));
     MailRunReport report;
     report.outbox = transport.outboxFolder();
     auto record = [&](MailResult r) {
@@ -329,7 +344,7 @@ MailRunReport sendInvoiceMails(Store& store, MailTransport& transport,
             report.outbox.isEmpty() ? QStringLiteral("à ") : QStringLiteral("déposée pour ");
         if (options.realProcedure) {
             try {
-                markMailed(store, mail, options.invoiceAgain);
+                markMailed(store, mail);
             } catch (const std::exception& e) {
                 record({invoice, MailOutcome::Failed,
                         QStringLiteral("le mail est parti mais la facture n'a pas pu être "

@@ -59,7 +59,8 @@ struct MailRunOptions {
     bool attachPdf = true;                  // Option5: the PDF, or a web address in the text
     QString webAddress;                     // txt_chemin_http
     QString body;                           // txt_message_mail
-    // Credit notes sent: their cancelled competitions become invoiceable again.
+    // Real procedure: the competitions the run's credit notes cancel become
+    // invoiceable again, each credit note mailed or not.
     bool invoiceAgain = false;
 };
 

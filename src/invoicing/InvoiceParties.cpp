@@ -17,7 +17,6 @@ using store::trimmedText;
 using app::ListItem;
 using app::ListItems;
 using reference::formatNumber;
-using reference::Viewer;
 using store::Store;
 
 namespace {
@@ -75,32 +74,31 @@ std::optional<store::Row> committeeRow(const Store& store, const QString& number
 
 }  // namespace
 
-ListItems leagueItems(Store& store, const Viewer& viewer) {
-    // A league user invoices from its own league, a committee user from its
-    // committee's: the same leagues their club cards offer.
-    return reference::clubs::leagueItems(store, viewer);
+// Any party of the federation may be invoiced from any level: the lists are
+// not narrowed to what the operator's reference screens show.
+ListItems leagueItems(const Store& store) {
+    return items(store.select(QStringLiteral("SELECT re_code, re_lib FROM strregion ORDER BY "
+                                             "re_code")),
+                 "re_code", "re_lib");
 }
 
-ListItems committeeItems(Store& store, const Viewer& viewer) {
-    return items(reference::committees::list(store, viewer), "de_no", "de_lib");
+ListItems committeeItems(const Store& store) {
+    return items(store.select(QStringLiteral("SELECT de_no, de_lib FROM strdept ORDER BY de_no")),
+                 "de_no", "de_lib");
 }
 
-ListItems clubItems(Store& store, const Viewer& viewer, const QString& department) {
-    const store::Query query{
-        QStringLiteral("SELECT club_code, club_nom FROM strclub"),
-        reference::visibilityFilter(viewer, reference::clubs::visibility()) &&
-            store::Condition(QStringLiteral("club_dept = ?"), {formatNumber(department, 3)}),
-        QStringLiteral("club_nom, club_code")};
-    return items(store.select(query), "club_code", "club_nom");
+ListItems clubItems(const Store& store, const QString& department) {
+    return items(store.select(QStringLiteral("SELECT club_code, club_nom FROM strclub WHERE "
+                                             "club_dept = ? ORDER BY club_nom, club_code"),
+                              {formatNumber(department, 3)}),
+                 "club_code", "club_nom");
 }
 
-ListItems centreItems(Store& store, const Viewer& viewer, const QString& department) {
-    const store::Query query{
-        QStringLiteral("SELECT b_compte_tiers, b_ville FROM strbowling"),
-        reference::visibilityFilter(viewer, reference::centres::visibility()) &&
-            store::Condition(QStringLiteral("b_dept = ?"), {formatNumber(department, 3)}),
-        QStringLiteral("b_ville, b_compte_tiers")};
-    return items(store.select(query), "b_compte_tiers", "b_ville");
+ListItems centreItems(const Store& store, const QString& department) {
+    return items(store.select(QStringLiteral("SELECT b_compte_tiers, b_ville FROM strbowling "
+                                             "WHERE b_dept = ? ORDER BY b_ville, b_compte_tiers"),
+                              {formatNumber(department, 3)}),
+                 "b_compte_tiers", "b_ville");
 }
 
 ListItems licenseeItems(const Store& store, const QString& typed) {
@@ -130,22 +128,14 @@ QString nameFirstKey(const QString& itemText) {
     return (hash < 0 ? itemText : itemText.mid(hash + 1)).trimmed();
 }
 
-InvoiceParty leagueParty(const Store& store, const QString& code, AddressBlock block) {
+InvoiceParty leagueParty(const Store& store, const QString& code) {
     const auto r = reference::leagues::find(store, code.trimmed());
     if (!r) throw Refusal(QStringLiteral("La ligue %1 n'existe pas.").arg(code.trimmed()));
     InvoiceParty p;
     p.account = trimmedText(*r, "re_code");
     p.name = QStringLiteral("L.R. ") + trimmedText(*r, "re_lib");
-    // A league that asked to be invoiced at its CSR gets its invoices there
-    // (a CSR without a name is no address: the president's line stays).
-    const bool csr = block == AddressBlock::Billing &&
-                     reference::leagues::invoicingOf(trimmedText(*r, "re_fact")) ==
-                         reference::leagues::Invoicing::Csr &&
-                     !trimmedText(*r, "re_csr_nom").isEmpty();
-    p.president = csr ? QStringLiteral("C.S.R. ") + trimmedText(*r, "re_csr_int") +
-                            QStringLiteral(" ") + trimmedText(*r, "re_csr_nom")
-                      : joined(trimmedText(*r, "re_president_int"), QStringLiteral(" "),
-                               trimmedText(*r, "re_president"));
+    p.president = joined(trimmedText(*r, "re_president_int"), QStringLiteral(" "),
+                         trimmedText(*r, "re_president"));
     p.address1 = trimmedText(*r, "re_ad1");
     p.address2 = trimmedText(*r, "re_ad2");
     p.address3 = trimmedText(*r, "re_ad3");
@@ -183,7 +173,14 @@ InvoiceParty committeeParty(const Store& store, const QString& number, AddressBl
     if (!store.exists(QStringLiteral("SELECT 1 FROM strregion WHERE re_code = ?"), {league}))
         throw Refusal(refusedInvoice(invoiceNumber,
                                      QStringLiteral(" - veuillez créer la region : ") + league));
-    return leagueParty(store, league, AddressBlock::Billing);
+    // The league pays for its committee at its CSR.
+    InvoiceParty p = leagueParty(store, league);
+    const auto l = reference::leagues::find(store, league);
+    const QString title = trimmedText(*l, "re_csr_int");
+    const QString name = trimmedText(*l, "re_csr_nom");
+    if (!title.isEmpty() || !name.isEmpty())
+        p.president = QStringLiteral("C.S.R. ") + title + QStringLiteral(" ") + name;
+    return p;
 }
 
 InvoiceParty clubParty(const Store& store, const QString& code) {

@@ -5,7 +5,6 @@
 
 #include "app/ListItems.h"
 #include "invoicing/InvoiceRecords.h"
-#include "reference/Visibility.h"
 #include "store/Store.h"
 
 // The invoiced party chosen on the invoice entry screen: what each list offers
@@ -31,18 +30,17 @@ namespace orve::invoicing {
 // Which address block of the header a choice fills.
 enum class AddressBlock { Billing, OnBehalfOf };
 
-// The lists, without their first item "Choisir". Leagues and committees are
-// listed key first ("LR06 # Ligue …"), filtered as the reference screens
-// filter them for the operator. Clubs, centres and licensees are listed name
-// first: their items read nameFirstText().
-app::ListItems leagueItems(store::Store& store, const reference::Viewer& viewer);
-app::ListItems committeeItems(store::Store& store, const reference::Viewer& viewer);
+// The lists, without their first item "Choisir": every league, committee,
+// club and centre, whatever the operator's level (a league invoices a club
+// of another league). Leagues and committees are listed key first ("LR06 #
+// Ligue …"), by key; clubs, centres and licensees name first: their items
+// read nameFirstText().
+app::ListItems leagueItems(const store::Store& store);
+app::ListItems committeeItems(const store::Store& store);
 // The clubs of a department as typed ("13" is "013"), by name.
-app::ListItems clubItems(store::Store& store, const reference::Viewer& viewer,
-                         const QString& department);
+app::ListItems clubItems(const store::Store& store, const QString& department);
 // The centres of a department, by town.
-app::ListItems centreItems(store::Store& store, const reference::Viewer& viewer,
-                           const QString& department);
+app::ListItems centreItems(const store::Store& store, const QString& department);
 // The licensees whose name contains the text, or begins with it when the text
 // begins with "%"; by name and first name. Keys are season + "-" + number.
 app::ListItems licenseeItems(const store::Store& store, const QString& typed);
@@ -52,15 +50,14 @@ app::ListItems licenseeItems(const store::Store& store, const QString& typed);
 QString nameFirstText(const app::ListItem& item);
 QString nameFirstKey(const QString& itemText);
 
-// "L.R. " + name; the president's line, or the line of the league's CSR
-// ("C.S.R. " + title + " " + name) when the league is invoiced at its CSR
-// and the block is the billing one. Refusal when the league does not exist.
-InvoiceParty leagueParty(const store::Store& store, const QString& code,
-                         AddressBlock block = AddressBlock::Billing);
+// "L.R. " + name, the president's line, the league's address. Refusal when
+// the league does not exist.
+InvoiceParty leagueParty(const store::Store& store, const QString& code);
 
 // "C.D. " + name, in the billing block as its invoicing entity says: itself,
 // another committee ("CD" + number), or a league, whose address it then takes
-// (leagueParty). `invoiceNumber` (empty for a new invoice) names the invoice
+// (leagueParty) with the line of the league's CSR ("C.S.R. " + title + " " +
+// name) for the president's. `invoiceNumber` (empty for a new invoice) names the invoice
 // in the refusals: "Impossible d'éditer la facture N - compléter le dept : …"
 // (no invoicing entity), "… - veuillez créer la region : …", "… - veuillez
 // créer le dept : …". In "pour le compte de" the committee is always itself.

@@ -388,6 +388,18 @@ void fillArticlesAndNatures(Store& s, int season) {
                                         ? QStringList{"CHAF", "DBEXC", "DBHON", "CDCND", "CDCNH"}
                                         : QStringList{QString::fromUtf8(a.nature)};
         for (const QString& nature : natures) {
+            // The national accounts of the article, by nature (the engagement
+            // of a competition has its own below).
+            if (QString::fromUtf8(a.index) != QStringLiteral("99999991") &&
+                qstrcmp(a.nature, "TX") != 0)
+                s.insert("strtarif",
+                         {{"t_nature", nature},
+                          {"t_article", QString::fromUtf8(a.index)},
+                          {"t_tri_deb", "20180901"},
+                          {"t_tri_fin", "________"},
+                          {"t_kvarn", QString::fromUtf8(a.cpta)},
+                          {"t_jkv", QString::fromUtf8(*a.analytique ? a.analytique : a.nature)},
+                          {"t_jg", "JG"}});
             for (int y = season - 1; y <= season; ++y) {
                 // Prices move a little from one season to the next.
                 const qint64 price = y == season ? a.priceCents : a.priceCents * 96 / 100;
@@ -405,6 +417,16 @@ void fillArticlesAndNatures(Store& s, int season) {
                                 {"n_fact", QString::fromUtf8(n.fact)},
                                 {"n_fact_engagement", QString::fromUtf8(n.factEngagement)},
                                 {"n_fact_ligne", QString::fromUtf8(n.factLigne)}});
+        // The federal tax may stand on an invoice of any nature.
+        for (const auto& a : kArticles)
+            if (qstrcmp(a.nature, "TX") == 0)
+                s.insert("strtarif", {{"t_nature", QString::fromUtf8(n.code)},
+                                      {"t_article", QString::fromUtf8(a.index)},
+                                      {"t_tri_deb", "20180901"},
+                                      {"t_tri_fin", "________"},
+                                      {"t_kvarn", QString::fromUtf8(a.cpta)},
+                                      {"t_jkv", QString::fromUtf8(a.analytique)},
+                                      {"t_jg", "JG"}});
         s.insert("strtarif", {{"t_nature", QString::fromUtf8(n.code)},
                               {"t_article", "99999991"},
                               {"t_tri_deb", "20180901"},

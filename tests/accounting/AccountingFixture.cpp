@@ -109,10 +109,13 @@ void addAccountingFixture(store::Store& s) {
     article(s, "00000008", "Droit d'homologation", "PRIVE", QVariant(), "PRIVE");
     article(s, "99999990", "Prix d'une ligne", "XXX", "706100000", "COMPET");
     article(s, "99999991", "Engagement par joueur", "XXX", "706200000", "COMPET");
-    // The earliest tariff is the one read; an empty one leaves the article's account.
+    // The earliest tariff is the one read; an empty one gives no account, nor
+    // does an article without tariff, whatever the article's own account.
     tariff(s, "CHAF", "99999991", "20200901", "706299999", "CHAF-NEW");
     tariff(s, "CHAF", "99999991", "20180901", "706210000", "CHAF-ENG");
     tariff(s, "CHAF", "99999990", "20180901", "", "");
+    tariff(s, "LIC", "00000001", "20180901", "756100000", "");
+    tariff(s, "DIV", "00000005", "20180901", "708800000", "");
 
     competition(s, "FD100000", "00000000", "2021", "CHAF", "G", "7", "DM",
                 "Challenge fédéral de printemps", "15/03/2021");

@@ -165,7 +165,9 @@ TEST(TurnoverStatistics, EachModeGroupsItsOwnOrganisersWithCumulativeRows) {
     EXPECT_EQ(byLeague.summary[0].value("c_intitule").toString(), "Cumul de la facturation");
     EXPECT_EQ(byLeague.summary[0].value("c_facture").toString(), "C");
     EXPECT_EQ(byLeague.summary[0].value("c_nom_organisateur").toString(), "R06");
-    EXPECT_EQ(byLeague.totals.amount, Money::fromCents(5500));
+    // The totals are those of every line of the period, the mode's or not.
+    EXPECT_EQ(byLeague.totals.amount, Money::fromCents(11200));
+    EXPECT_EQ(byLeague.totals.quantity, 16);
     // Down from the organiser to its articles, and from an article to its lines.
     const store::Rows articles = articleTotals(w.store(), leagues, byLeague.summary[0]);
     EXPECT_EQ(summaryOf(articles, "c_cod4"),
@@ -179,6 +181,8 @@ TEST(TurnoverStatistics, EachModeGroupsItsOwnOrganisersWithCumulativeRows) {
     const StatisticsResult committees =
         computeStatistics(w.store(), w.request(StatisticsMode::ByCommittee));
     EXPECT_EQ(summaryOf(committees.summary, "c_cod4"), QStringList{"D013|-|4|400"});
+    EXPECT_EQ(committees.totals.amount, Money::fromCents(11200));
+    EXPECT_FALSE(committees.notice);
     const StatisticsResult interRegions =
         computeStatistics(w.store(), w.request(StatisticsMode::ByInterRegion));
     EXPECT_EQ(summaryOf(interRegions.summary, "c_cod4"), QStringList{"IR1|-|1|5000"});
@@ -203,7 +207,7 @@ TEST(TurnoverStatistics, CsvListsEachOrganisersArticlesThenItsCumulativeRow) {
               "R06;Cumul de la facturation;-;-;7;25,00\r\n"
               "R11;-;99999991;Engagement par joueur;1;30,00\r\n"
               "R11;Cumul de la facturation;-;-;1;30,00\r\n"
-              "Total;;;;8;55,00\r\n");
+              "Total;;;;16;112,00\r\n");
     w.store().exec("UPDATE strarticle SET a_libelle = ? WHERE a_index = '99999990'",
                    {"+cmd|' /C calc'!A0"});
     w.store().exec("UPDATE strarticle SET a_libelle = ? WHERE a_index = '99999991'", {"\t-2+3"});

@@ -59,11 +59,22 @@ const QStringList kTaken{"58", "2021000012", "2021000013", "2021000014"};
 
 TEST(AccountingTransfer, NationalFileIsTheHandWrittenOneAndReplacedTheSameDay) {
     TransferWorld w;
+    // What the clerk is told first: the lines the tariffs give no account.
+    const auto unaccounted = linesWithoutAccount(w.store(), test::seasonSelection("2021"), "JKV");
+    ASSERT_EQ(unaccounted.size(), 3u);
+    EXPECT_EQ(unaccounted[0].article, "00000008");
+    EXPECT_EQ(unaccounted[0].nature, "DIV");
+    EXPECT_EQ(unaccounted[2].article, "99999990");
+    const QString told = linesWithoutAccountText(unaccounted);
+    EXPECT_TRUE(told.startsWith("3 ligne(s) à transférer n'ont pas de compte KVARN"))
+        << told.toStdString();
+    EXPECT_TRUE(told.contains("article 12345678, nature LIC : 1 ligne(s)")) << told.toStdString();
     const TransferResult r = w.transfer(TransferLayout::National);
     EXPECT_EQ(QFileInfo(r.path).fileName(), "Transfert_20261121.csv");
     EXPECT_EQ(r.lines, 7);
     EXPECT_EQ(r.invoices, 4);
-    EXPECT_EQ(test::fileBytes(r.path), test::expectedFile("national_2021.csv"));
+    EXPECT_EQ(test::fileBytes(r.path).toStdString(),
+              test::expectedFile("national_2021.csv").toStdString());
     for (const QString& n : kTaken)
         EXPECT_EQ(test::transferMark(w.store(), n), "O") << n.toStdString();
     EXPECT_EQ(test::transferMark(w.store(), "2020000001"), "N");
@@ -73,7 +84,8 @@ TEST(AccountingTransfer, NationalFileIsTheHandWrittenOneAndReplacedTheSameDay) {
 
     // Nothing is taken twice: a second run finds nothing and leaves the file.
     EXPECT_EQ(refusalOf([&] { w.transfer(TransferLayout::National); }), kNothingToTransfer);
-    EXPECT_EQ(test::fileBytes(r.path), test::expectedFile("national_2021.csv"));
+    EXPECT_EQ(test::fileBytes(r.path).toStdString(),
+              test::expectedFile("national_2021.csv").toStdString());
 
     // A new invoice the same day: the day's file is replaced by one holding it alone.
     test::addInvoice(w.store(), "2021000030", "F", "FD100001", "CHAF", "CL77001", "20/11/2020",
@@ -93,7 +105,8 @@ TEST(AccountingTransfer, LeagueFileIsTheHandWrittenOneAndNeverOverwritten) {
     const TransferResult r = w.transfer(TransferLayout::League);
     EXPECT_EQ(QFileInfo(r.path).fileName(), "Transfert_1_20261121.csv");
     EXPECT_EQ(r.lines, 12);
-    EXPECT_EQ(test::fileBytes(r.path), test::expectedFile("league_2021.csv"));
+    EXPECT_EQ(test::fileBytes(r.path).toStdString(),
+              test::expectedFile("league_2021.csv").toStdString());
     EXPECT_EQ(w.store()
                   .scalar("SELECT COUNT(*) FROM strentete WHERE ent_compta = 'O' AND "
                           "c_transfert = ?",
@@ -103,16 +116,23 @@ TEST(AccountingTransfer, LeagueFileIsTheHandWrittenOneAndNeverOverwritten) {
 
     test::addInvoice(w.store(), "2021000031", "F", "1FA00001", "DIV", "CD077", "03/12/2020",
                      "03/12/2020", {{"00000005", "Frais de dossier", 2, 1500}});
+    // A blank party is written as it is stored, before its "-".
+    test::addInvoice(w.store(), "2021000032", "F", "1FA00001", "DIV", " ", "04/12/2020",
+                     "04/12/2020", {{"00000005", "Frais de dossier", 1, 1250}});
     const TransferResult second = w.transfer(TransferLayout::League);
     EXPECT_EQ(QFileInfo(second.path).fileName(), "Transfert_2_20261121.csv");
-    EXPECT_EQ(test::fileBytes(r.path), test::expectedFile("league_2021.csv"));
+    EXPECT_EQ(test::fileBytes(r.path).toStdString(),
+              test::expectedFile("league_2021.csv").toStdString());
     EXPECT_EQ(
-        QString::fromLatin1(test::fileBytes(second.path)),
+        test::fileBytes(second.path).toStdString(),
         "N Facture;Date Facture;Date Echeance;N compte;Intitule Competition;Montant;sens;"
         "analytique\r\n"
         "2021000031;03/12/2020;03/12/2020;708800000;CD077-2021000031 du "
-        "03/12/2020;00030.00;C;000;\r\n"
-        "2021000031;03/12/2020;03/12/2020;411077;2021000031 du 03/12/2020;00030.00;D;000;\r\n");
+        "03/12/2020;00030,00;C;000;\r\n"
+        "2021000031;03/12/2020;03/12/2020;411077;2021000031 du 03/12/2020;00030,00;D;000;\r\n"
+        "2021000032;04/12/2020;04/12/2020;708800000; -2021000032 du "
+        "04/12/2020;00012,50;C;000;\r\n"
+        "2021000032;04/12/2020;04/12/2020;999999;2021000032 du 04/12/2020;00012,50;D;000;\r\n");
 }
 
 TEST(AccountingTransfer, MonthChoosesWholeInvoicesByTheirDate) {
@@ -219,7 +239,8 @@ TEST(AccountingTransfer, AFailureBeforeTheCommitLeavesNoFileAndNoMark) {
         EXPECT_EQ(w.store().scalar("SELECT COUNT(*) FROM strtransfert").toInt(), 0);
         // The next transfer is whole.
         const TransferResult r = w.transfer(TransferLayout::National);
-        EXPECT_EQ(test::fileBytes(r.path), test::expectedFile("national_2021.csv"));
+        EXPECT_EQ(test::fileBytes(r.path).toStdString(),
+                  test::expectedFile("national_2021.csv").toStdString());
         EXPECT_EQ(w.files(), QStringList{"Transfert_20261121.csv"});
     }
 }

@@ -115,6 +115,12 @@ class WatchingDialogs : public app::ScriptedDialogs {
     }
 };
 
+// The panel's nature, as the operator picks it.
+void chooseNature(QWidget* screen, const QString& nature) {
+    auto* combo = child<QComboBox>(screen, "Combo3");
+    combo->setCurrentIndex(combo->findText(nature + " #", Qt::MatchStartsWith));
+}
+
 }  // namespace
 
 TEST(InvoiceEntryScreen, CreditNotesShowTheTickedInvoicesWhileAsking) {
@@ -126,6 +132,7 @@ TEST(InvoiceEntryScreen, CreditNotesShowTheTickedInvoicesWhileAsking) {
     child<QPushButton>(&screen, "cmdvisu_fd")->click();
     auto* grid = child<app::DataGrid>(&screen, "DBGrid1");
     auto* caption = child<QGroupBox>(&screen, "Frame_liste");
+    chooseNature(&screen, "LI");
     ASSERT_EQ(grid->rowCount(), 2);
     grid->editCell(0, grid->columnOf("Choix"), "X");
     QString askedCaption;
@@ -159,6 +166,7 @@ TEST(InvoiceEntryScreen, AClickOnTheTickTicksAndAnyOtherCellOpensTheInvoice) {
     child<QPushButton>(&screen, "cmdvisu_fd")->click();
     auto* grid = child<app::DataGrid>(&screen, "DBGrid1");
     auto* back = child<QPushButton>(&screen, "cmdretour_creation_fd");
+    chooseNature(&screen, "LI");
     grid->setCurrentIndex(grid->model()->index(1, grid->columnOf("Choix")));
     EXPECT_EQ(grid->value(0, "c_edt").toString(), "X");
     EXPECT_EQ(grid->value(1, "c_edt").toString(), "X");

@@ -28,9 +28,10 @@ struct Fixture {
         return test::headerValue(store(), number, column);
     }
     int headers() { return store().scalar("SELECT COUNT(*) FROM strentete").toInt(); }
-    SelectionCondition season2027() {
+    SelectionCondition season2027(const QString& nature = {}) {
         SelectionState s;
         s.season = "2027";
+        if (!nature.isEmpty()) s.nature = nature;
         return buildSelectionCondition(s);
     }
 };
@@ -74,8 +75,12 @@ TEST(InvoiceEntry, ModesDecideNatureIndexFilterAndQuestions) {
 TEST(InvoiceEntry, ListingHoldsOneRowPerLineWithTotalsAndFilters) {
     Fixture f;
     const EntryMode lic = entryMode("LIC");
+    // Every filter on "Tous": "X" lists the invoices of every
+    // pseudo-competition of the season, whichever mode is open.
     ListingTotals t = refreshInvoiceListing(f.store(), lic, f.season2027());
+    EXPECT_EQ(t.rows, 4 + 6 + 2 + 45);
     // The demo's pseudo-competitions are those of the working season.
+    t = refreshInvoiceListing(f.store(), lic, f.season2027("LIC"));
     EXPECT_EQ(t.rows, 4);
     EXPECT_EQ(t.quantity, 21);
     EXPECT_EQ(t.amount.cents(), 80000);
@@ -105,17 +110,25 @@ TEST(InvoiceEntry, ListingHoldsOneRowPerLineWithTotalsAndFilters) {
     month.month = "10/2026";
     EXPECT_EQ(refreshInvoiceListing(f.store(), lic, buildSelectionCondition(month)).rows, 0);
     month.month = "11/26";
+    month.nature = "LIC";
     EXPECT_EQ(refreshInvoiceListing(f.store(), lic, buildSelectionCondition(month)).rows, 4);
     SelectionState number;
     number.season = "2027";
+    number.nature = "LIC";
     number.invoiceNumber = "2026000003";
     EXPECT_EQ(refreshInvoiceListing(f.store(), lic, buildSelectionCondition(number)).rows, 0);
 
-    // A credit note is listed with its invoice and cancels it in the totals.
-    t = refreshInvoiceListing(f.store(), entryMode("DIV"), f.season2027());
+    // A credit note is listed with its invoice and cancels it in the totals;
+    // the cancelled invoice's rows show the credit note's date.
+    t = refreshInvoiceListing(f.store(), entryMode("DIV"), f.season2027("DIV"));
     EXPECT_EQ(t.rows, 6);
     EXPECT_EQ(t.amount.cents(), 0);
     EXPECT_EQ(t.quantity, 0);
+    for (const auto& r : tri.select("SELECT c_date_facture, c_tri_facture FROM strcompetition "
+                                    "WHERE c_num_facture = '2026000002'")) {
+        EXPECT_EQ(r.value(0).toString(), "21/11/2026");
+        EXPECT_EQ(r.value(1).toString(), "20261121");
+    }
     // The register's competitions are not the pseudo-competitions.
     const ListingTotals compet =
         refreshInvoiceListing(f.store(), entryMode("COMPET"), f.season2027());

@@ -8,13 +8,8 @@
 
 using namespace orve;
 using namespace orve::invoicing;
-using reference::Viewer;
 
 namespace {
-
-const Viewer kNational{"gestu", "JKV", "D1"};
-const Viewer kLeague{"ligue06", "LR06", "D1"};
-const Viewer kCommittee{"CD13", "13", "D1"};
 
 QStringList texts(const app::ListItems& items, bool nameFirst = false) {
     QStringList out;
@@ -44,31 +39,27 @@ TEST(InvoiceParties, ListsOfferedToEachOperator) {
     auto session = inst.start();
     store::Store& s = session->store();
 
-    // Leagues and committees key first; a committee user sees its own.
-    const QStringList leagues = texts(leagueItems(s, kNational));
+    // Every party of the federation, whatever the operator's level: keys
+    // first for leagues and committees.
+    const QStringList leagues = texts(leagueItems(s));
     ASSERT_EQ(leagues.size(), 6);
     EXPECT_EQ(leagues.first(), "LR06 # Ligue Régionale Provence-Alpes-Côte d'Azur");
     EXPECT_EQ(leagues.last(), "LR69 # Ligue Régionale Auvergne-Rhône-Alpes");
-    EXPECT_EQ(texts(leagueItems(s, kLeague)), QStringList{leagues.first()});
-    EXPECT_EQ(texts(leagueItems(s, kCommittee)), QStringList{leagues.first()});
-    EXPECT_EQ(texts(committeeItems(s, kNational)).size(), 10);
-    EXPECT_EQ(texts(committeeItems(s, kLeague)),
-              (QStringList{"013 # Bouches-du-Rhône", "083 # Var"}));
-    EXPECT_EQ(texts(committeeItems(s, kCommittee)), QStringList{"013 # Bouches-du-Rhône"});
+    const QStringList committees = texts(committeeItems(s));
+    EXPECT_EQ(committees.size(), 10);
+    EXPECT_EQ(committees.first(), "006 # Alpes-Maritimes");
 
-    // Clubs and centres of the department typed, name first, by name or town.
-    const auto clubs = clubItems(s, kNational, "13");
+    // Clubs and centres of the department typed, name first, by name or town,
+    // those of another league included.
+    const auto clubs = clubItems(s, "13");
     EXPECT_EQ(texts(clubs, true),
               (QStringList{"Bowling Club Phocéen # CL13001", "Les Quilles d'Aix # CL13002",
                            "Strike Club Aubagne # CL13003"}));
     EXPECT_EQ(nameFirstKey(nameFirstText(clubs[1])), "CL13002");
     EXPECT_EQ(nameFirstKey("Choisir"), "");
-    EXPECT_EQ(clubItems(s, kCommittee, "013").size(), 3u);
-    EXPECT_TRUE(clubItems(s, kCommittee, "083").empty());
-    EXPECT_TRUE(clubItems(s, kLeague, "75").empty());
-    EXPECT_EQ(texts(centreItems(s, kNational, "083"), true),
-              QStringList{"La Seyne-sur-Mer # BOW0832"});
-    EXPECT_TRUE(centreItems(s, kLeague, "075").empty());
+    EXPECT_FALSE(clubItems(s, "75").empty());
+    EXPECT_EQ(texts(centreItems(s, "083"), true), QStringList{"La Seyne-sur-Mer # BOW0832"});
+    EXPECT_FALSE(centreItems(s, "075").empty());
 
     // Licensees: name contains the text, or begins with it after "%", any case.
     auto names = [&](const QString& typed) {
@@ -102,10 +93,8 @@ TEST(InvoiceParties, EachKindFillsTheBlock) {
                      "Monsieur le Président Gérard Castellan", "12 boulevard des Platanes",
                      "Maison des sports", "", "", "13008 - Marseille",
                      "president.lr06@ligues-bowling.example", "csr.lr06@ligues-bowling.example"}));
-    // A league invoiced at its CSR: the CSR line in the billing block only.
-    EXPECT_EQ(leagueParty(s, "LR11").president, "C.S.R. Monsieur le Président du CSR Hervé Doucet");
-    EXPECT_EQ(leagueParty(s, "LR11", AddressBlock::OnBehalfOf).president,
-              "Madame la Présidente Sylvie Marchand");
+    // A league chosen for itself: its president, even when invoiced at its CSR.
+    EXPECT_EQ(leagueParty(s, "LR11").president, "Madame la Présidente Sylvie Marchand");
 
     // A committee that invoices itself, filed so the accounting finds it.
     const InvoiceParty cd13 = committeeParty(s, "13", AddressBlock::Billing);
@@ -124,8 +113,12 @@ TEST(InvoiceParties, EachKindFillsTheBlock) {
     const InvoiceParty cd92self = committeeParty(s, "092", AddressBlock::OnBehalfOf);
     EXPECT_EQ(cd92self.account, "CD092");
     EXPECT_EQ(cd92self.name, "C.D. Hauts-de-Seine");
+    // Through a league not invoiced at its CSR: the CSR line all the same.
     EXPECT_EQ(committeeParty(s, "006", AddressBlock::Billing).president,
-              "Monsieur le Président Gérard Castellan");
+              "C.S.R. " + s.scalar("SELECT re_csr_int || ' ' || re_csr_nom FROM strregion WHERE "
+                                   "re_code = 'LR06'")
+                              .toString()
+                              .trimmed());
     // A bare "LR" is the committee's own league; "CD" + number another committee.
     s.exec("UPDATE strdept SET de_facturation = 'LR' WHERE de_no = '021'");
     EXPECT_EQ(committeeParty(s, "21", AddressBlock::Billing).account, "LR21");

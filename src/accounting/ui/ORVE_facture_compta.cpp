@@ -115,6 +115,18 @@ void ORVE_facture_compta::showFileFrame(bool shown) {
 void ORVE_facture_compta::transfer() {
     invoicing::SelectionCondition selection;
     if (!app::guarded(m_dialogs, [&] { selection = m_panel->condition(); })) return;
+    const QString level = reference::Viewer::of(m_session).level();
+    if (m_layout == TransferLayout::National) {
+        std::vector<LinesWithoutAccount> unaccounted;
+        if (!app::guarded(m_dialogs, [&] {
+                unaccounted = linesWithoutAccount(m_session.store(), selection, level);
+            }))
+            return;
+        if (!unaccounted.empty() &&
+            !m_dialogs.ask(linesWithoutAccountText(unaccounted) +
+                           QStringLiteral("\n\nGénérer le fichier quand même ?")))
+            return;
+    }
     // A season's file takes about a second: one unit, nothing to stop half-way.
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     TransferResult result;
@@ -122,9 +134,8 @@ void ORVE_facture_compta::transfer() {
         struct Cursor {
             ~Cursor() { QGuiApplication::restoreOverrideCursor(); }
         } restore;
-        result =
-            writeTransfer(m_session.store(), m_session.dataFolder(), m_layout,
-                          reference::Viewer::of(m_session).level(), selection, m_session.today());
+        result = writeTransfer(m_session.store(), m_session.dataFolder(), m_layout, level,
+                               selection, m_session.today());
     });
     if (written) m_dialogs.inform(kTransferWritten + QDir::toNativeSeparators(result.path));
     refresh();

@@ -78,10 +78,9 @@ InvoicePartyChooser::InvoicePartyChooser(app::Session& session, app::Dialogs& di
     grid->addWidget(m_mail2, row++, 1, 1, 2);
     grid->setRowStretch(row, 1);
 
-    const reference::Viewer viewer = reference::Viewer::of(session);
     connect(m_leagues, &QComboBox::activated, this, [this] {
         choose(m_leagues, [this](const QString& item) {
-            return leagueParty(m_session.store(), app::itemCode(item), m_block);
+            return leagueParty(m_session.store(), app::itemCode(item));
         });
     });
     connect(m_committees, &QComboBox::activated, this, [this] {
@@ -104,14 +103,14 @@ InvoicePartyChooser::InvoicePartyChooser(app::Session& session, app::Dialogs& di
             return licenseeParty(m_session.store(), nameFirstKey(item));
         });
     });
-    connect(m_clubDept, &QLineEdit::editingFinished, this, [this, viewer] {
+    connect(m_clubDept, &QLineEdit::editingFinished, this, [this] {
         app::guarded(m_dialogs, [&] {
-            fillNameFirst(m_clubs, clubItems(m_session.store(), viewer, m_clubDept->text()));
+            fillNameFirst(m_clubs, clubItems(m_session.store(), m_clubDept->text()));
         });
     });
-    connect(m_centreDept, &QLineEdit::editingFinished, this, [this, viewer] {
+    connect(m_centreDept, &QLineEdit::editingFinished, this, [this] {
         app::guarded(m_dialogs, [&] {
-            fillNameFirst(m_centres, centreItems(m_session.store(), viewer, m_centreDept->text()));
+            fillNameFirst(m_centres, centreItems(m_session.store(), m_centreDept->text()));
         });
     });
     connect(m_licenseeName, &QLineEdit::editingFinished, this, [this] {
@@ -133,9 +132,8 @@ InvoicePartyChooser::InvoicePartyChooser(app::Session& session, app::Dialogs& di
 }
 
 void InvoicePartyChooser::load() {
-    const reference::Viewer viewer = reference::Viewer::of(m_session);
-    app::fillItems(m_leagues, leagueItems(m_session.store(), viewer));
-    app::fillItems(m_committees, committeeItems(m_session.store(), viewer));
+    app::fillItems(m_leagues, leagueItems(m_session.store()));
+    app::fillItems(m_committees, committeeItems(m_session.store()));
 }
 
 void InvoicePartyChooser::setTarget(AddressBlock block, const QString& invoiceNumber) {
