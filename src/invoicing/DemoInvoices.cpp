@@ -3,6 +3,7 @@
 #include "invoicing/CreditNotes.h"
 #include "invoicing/InvoiceRecords.h"
 #include "store/Formats.h"
+#include "store/Seasons.h"
 #include "store/Refusal.h"
 
 namespace orve::invoicing {
@@ -88,10 +89,11 @@ InvoiceLine article(const store::Store& s, const QString& code, qint64 quantity)
 
 void createDemoInvoices(store::Store& s, const QDate& today) {
     store::Transaction tx(s);
-    // Numbers in use are the year followed by a sequence: the numbering is
-    // moved on by a marker header, as the renumbering tool does.
+    // The working season's invoices are numbered from <season>000001, as
+    // the new-season and renumbering tools leave them: the national transfer
+    // file writes the season and the last four digits, and reads them back.
     s.insert(QStringLiteral("strentete"),
-             {{"ent_fact_no", QString::number(qint64(today.year()) * 1000000)},
+             {{"ent_fact_no", QString::number(qint64(store::seasonOf(today)) * 1000000)},
               {"ent_fact_type", kInvoiceType},
               {"ent_fact_lib", QStringLiteral("Changement de numerotation")},
               {"ent_fact_date", format::displayDate(today)},

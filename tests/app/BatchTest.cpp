@@ -139,7 +139,7 @@ TEST(Batch, EachCommandHasTheOperatorsRightsAsTheMenuGivesThem) {
           QStringList{"--as", "ligue06", "outil", "2", "--oui"},
           QStringList{"--as", "ligue06", "outil", "2"},
           QStringList{"--as", "ligue06", "saison", "2028"},
-          QStringList{"--as", "ligue06", "renumeroter", "2027000001"},
+          QStringList{"--as", "ligue06", "renumeroter", "2028000001"},
           QStringList{"--as", "CD13", "user", "add", "pirate", "--league", "JKV"}}) {
         EXPECT_EQ(run(args, "mot-de-passe-long\n"), 1) << args.join(' ').toStdString();
         EXPECT_TRUE(err.contains(denied)) << args.join(' ').toStdString() << err.toStdString();

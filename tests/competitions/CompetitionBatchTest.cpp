@@ -200,13 +200,13 @@ TEST(CompetitionBatch, CommandsCalculateInvoiceAndList) {
                     &out, &err),
               0)
         << qPrintable(err);
-    for (const char* n : {"2026000006", "2026000007", "2026000008", "2026000009"})
+    for (const char* n : {"2027000006", "2027000007", "2027000008", "2027000009"})
         EXPECT_TRUE(out.contains(QStringLiteral("facture N° ") + n)) << qPrintable(out);
-    EXPECT_TRUE(out.contains("CL13001_FN_2026000007.pdf")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("CL13001_FN_2027000007.pdf")) << qPrintable(out);
     // 3 teams of 4 at 18.00 per player, 48 and 12 lines at 2.00.
     EXPECT_EQ(inst.start()
                   ->store()
-                  .scalar("SELECT ent_montant FROM strentete WHERE ent_fact_no = '2026000007'")
+                  .scalar("SELECT ent_montant FROM strentete WHERE ent_fact_no = '2027000007'")
                   .toLongLong(),
               33600);
 }

@@ -458,8 +458,8 @@ TEST(CompetitionRegister, EachLevelChangesOnlyWhatItOwnsAndOldCompetitionsTakeTh
     // invoices take their competition's owner, or the national level's.
     s.exec("UPDATE strcompetition SET c_niveau = NULL");
     s.insert("strentete",
-             {{"ent_fact_no", "2027000001"}, {"ent_c_index", rowOf(s, league, "CL13001")}});
-    s.insert("strentete", {{"ent_fact_no", "2027000002"}, {"ent_c_index", "8FA00000"}});
+             {{"ent_fact_no", "2028000001"}, {"ent_c_index", rowOf(s, league, "CL13001")}});
+    s.insert("strentete", {{"ent_fact_no", "2028000002"}, {"ent_c_index", "8FA00000"}});
     session.reset();
     session = inst.startAs("gestu");
     EXPECT_EQ(owners(), expected);
@@ -468,6 +468,6 @@ TEST(CompetitionRegister, EachLevelChangesOnlyWhatItOwnsAndOldCompetitionsTakeTh
             .scalar("SELECT ent_niveau FROM strentete WHERE ent_fact_no = ?", {n})
             .toString();
     };
-    EXPECT_EQ(level("2027000001"), "LR06");
-    EXPECT_EQ(level("2027000002"), "JKV");
+    EXPECT_EQ(level("2028000001"), "LR06");
+    EXPECT_EQ(level("2028000002"), "JKV");
 }

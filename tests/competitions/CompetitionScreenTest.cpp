@@ -292,7 +292,7 @@ TEST(CompetitionScreen, AnInvoicedCompetitionIsFrozenOrClosed) {
     const QString index = w->box("txt_index")->text();
     const int parties = w->grid("DBGrid10")->rowCount();
     session->store().exec(
-        "UPDATE strcompetition SET c_facture = 'F', c_num_facture = '2026000099' WHERE c_index = "
+        "UPDATE strcompetition SET c_facture = 'F', c_num_facture = '2027000099' WHERE c_index = "
         "(SELECT MIN(c_index) FROM strcompetition WHERE index_reference = ?)",
         {index});
     w = std::make_unique<Window>(*session, dialogs);

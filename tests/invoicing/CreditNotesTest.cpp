@@ -245,14 +245,14 @@ TEST(CreditNotes, RefusalsWriteNothingAndLetTheOthersThrough) {
     ASSERT_EQ(check.refused.size(), 5u);
     EXPECT_EQ(check.refused[0].invoice, kCommitteeInvoice);
     EXPECT_EQ(check.refused[0].message,
-              "La facture N° 2026000002 a déjà été annulée par l'avoir N° 2026000004");
+              "La facture N° 2027000002 a déjà été annulée par l'avoir N° 2027000004");
     EXPECT_EQ(check.refused[1].message,
-              "L'avoir N° 2026000004 ne peut pas être annulé par un avoir");
+              "L'avoir N° 2027000004 ne peut pas être annulé par un avoir");
     EXPECT_EQ(check.refused[2].message,
               QStringLiteral("L'avoir N° %1 ne peut pas être annulé par un avoir").arg(refund));
     EXPECT_EQ(check.refused[3].message, "La facture N° 424242 n'existe pas.");
     EXPECT_EQ(check.refused[4].message,
-              "La facture N° 2026000000 n'a aucune ligne : il n'y a rien à annuler.");
+              "La facture N° 2027000000 n'a aucune ligne : il n'y a rien à annuler.");
 
     // The whole list is refused at once, with every reason, and nothing written.
     const int headers = f.headers(), lines = f.lines();
@@ -262,7 +262,7 @@ TEST(CreditNotes, RefusalsWriteNothingAndLetTheOthersThrough) {
     } catch (const Refusal& r) {
         EXPECT_EQ(r.message(), check.refusalText());
         EXPECT_EQ(r.message().count('\n'), 4);
-        EXPECT_TRUE(r.message().startsWith("La facture N° 2026000002 a déjà été annulée"));
+        EXPECT_TRUE(r.message().startsWith("La facture N° 2027000002 a déjà été annulée"));
     }
     EXPECT_EQ(f.headers(), headers);
     EXPECT_EQ(f.lines(), lines);
@@ -276,7 +276,7 @@ TEST(CreditNotes, RefusalsWriteNothingAndLetTheOthersThrough) {
     const auto again = checkCreditNotes(f.store(), {kClubInvoice, issued[0].creditNote});
     EXPECT_TRUE(again.accepted.empty());
     EXPECT_EQ(again.refusalText(),
-              QStringLiteral("La facture N° 2026000001 a déjà été annulée par l'avoir N° %1\n"
+              QStringLiteral("La facture N° 2027000001 a déjà été annulée par l'avoir N° %1\n"
                              "L'avoir N° %1 ne peut pas être annulé par un avoir")
                   .arg(issued[0].creditNote));
 }
@@ -391,12 +391,12 @@ TEST(CreditNotes, DocumentNamesTheCancelledInvoice) {
     const PdfLine* origin = lineStarting(lines, "Avoir sur facture");
     const PdfLine* billed = lineStarting(lines, "Adresse de facturation");
     ASSERT_TRUE(title && origin && billed);
-    EXPECT_EQ(origin->text, "Avoir sur facture N° BOW2026000002 du 11/11/2026");
+    EXPECT_EQ(origin->text, "Avoir sur facture N° BOW2027000002 du 11/11/2026");
     // Under the title, aligned with it, clear of the address blocks.
     EXPECT_NEAR(origin->x, title->x, 30);
     EXPECT_GT(origin->y, title->y + 250);
     EXPECT_LT(origin->y + 250, billed->y);
-    EXPECT_EQ(title->text, "AVOIR N° BOW2026000004 du 21/11/2026");
+    EXPECT_EQ(title->text, "AVOIR N° BOW2027000004 du 21/11/2026");
 
     // An invoice, and a credit note made by hand, name no invoice.
     EXPECT_FALSE(
@@ -419,16 +419,16 @@ TEST(CreditNotes, BatchCommand) {
     QString out, err;
     EXPECT_EQ(batch({"avoir", kLeagueInvoice, kClubInvoice}, &out, &err), 0) << qPrintable(err);
     EXPECT_EQ(out,
-              "avoir N° 2026000006 : facture N° 2026000003 annulée\n"
-              "avoir N° 2026000007 : facture N° 2026000001 annulée\n"
+              "avoir N° 2027000006 : facture N° 2027000003 annulée\n"
+              "avoir N° 2027000007 : facture N° 2027000001 annulée\n"
               "2 avoir(s) généré(s)\n");
 
     // A refusal in the list: the French messages, exit 1, nothing written.
     EXPECT_EQ(batch({"avoir", kLongInvoice, kClubInvoice, kDemoCreditNote}, &out, &err), 1);
     EXPECT_TRUE(
-        err.contains("La facture N° 2026000001 a déjà été annulée par l'avoir N° 2026000007"))
+        err.contains("La facture N° 2027000001 a déjà été annulée par l'avoir N° 2027000007"))
         << qPrintable(err);
-    EXPECT_TRUE(err.contains("L'avoir N° 2026000004 ne peut pas être annulé par un avoir"));
+    EXPECT_TRUE(err.contains("L'avoir N° 2027000004 ne peut pas être annulé par un avoir"));
     EXPECT_FALSE(out.contains("avoir N°"));
     EXPECT_EQ(batch({"avoir"}, &out, &err), 1);
     EXPECT_TRUE(err.contains("Argument manquant")) << qPrintable(err);
@@ -444,10 +444,10 @@ TEST(CreditNotes, BatchCommand) {
     }
 
     // The documents come after, as for any credit note.
-    EXPECT_EQ(batch({"pdf", "2026000006"}, &out, &err), 0) << qPrintable(err);
-    EXPECT_TRUE(out.contains("LR06_FN_2026000006.pdf")) << qPrintable(out);
+    EXPECT_EQ(batch({"pdf", "2027000006"}, &out, &err), 0) << qPrintable(err);
+    EXPECT_TRUE(out.contains("LR06_FN_2027000006.pdf")) << qPrintable(out);
     const auto lines = pdfLines(out.section("document écrit : ", 1).trimmed());
     ASSERT_TRUE(lineStarting(lines, "Avoir sur"));
     EXPECT_EQ(lineStarting(lines, "Avoir sur")->text,
-              "Avoir sur facture N° BOW2026000003 du 11/11/2026");
+              "Avoir sur facture N° BOW2027000003 du 11/11/2026");
 }

@@ -25,8 +25,8 @@ using namespace orve::invoicing;
 namespace {
 
 const QString kBatch = QStringLiteral(ORVE_BATCH);
-const QString kClubInvoice = "2026000001";
-const QString kLeagueInvoice = "2026000003";
+const QString kClubInvoice = "2027000001";
+const QString kLeagueInvoice = "2027000003";
 
 QString invoiceFolder(const test::TestInstall& inst) {
     return documentSettings(*inst.start()).invoiceFolder;
@@ -94,7 +94,7 @@ TEST(DocumentFiles, FullDiskKeepsThePreviousDocumentAndMarksNothing) {
     test::application();
     test::TestInstall inst;
     const QString folder = invoiceFolder(inst);
-    const QString path = QDir(folder).filePath("CL13001_FN_2026000001.pdf");
+    const QString path = QDir(folder).filePath("CL13001_FN_2027000001.pdf");
     QString out, err;
     ASSERT_EQ(
         test::runProgram(kBatch, {"--home", inst.home(), "--as", "gestu", "pdf", kClubInvoice}, {},
@@ -114,13 +114,13 @@ TEST(DocumentFiles, FullDiskKeepsThePreviousDocumentAndMarksNothing) {
     EXPECT_FALSE(out.contains("document écrit")) << qPrintable(out);
     EXPECT_TRUE(contents(path) == previous);
     EXPECT_EQ(printedMark(inst, kClubInvoice), "N");
-    EXPECT_EQ(folderListing(folder), "CL13001_FN_2026000001.pdf");
+    EXPECT_EQ(folderListing(folder), "CL13001_FN_2027000001.pdf");
 
     // Without an older one, no file at all under the name, nor beside it.
     QFile::remove(path);
     EXPECT_EQ(pdfOnFullDisk(inst, {kClubInvoice}, limit, &out, &err), 1) << qPrintable(out + err);
     EXPECT_TRUE(err.contains("Disque plein : ")) << qPrintable(err);
-    EXPECT_TRUE(err.contains("CL13001_FN_2026000001.pdf")) << qPrintable(err);
+    EXPECT_TRUE(err.contains("CL13001_FN_2027000001.pdf")) << qPrintable(err);
     EXPECT_FALSE(QFile::exists(path));
     EXPECT_EQ(folderListing(folder), "");
     EXPECT_EQ(printedMark(inst, kClubInvoice), "N");
@@ -196,10 +196,10 @@ TEST(DocumentFiles, PartyCodesNeverChooseTheFolder) {
     // temporary folder, two levels up).
     store.exec("UPDATE strentete SET ent_fact_entite = '../../x' WHERE ent_fact_no = ?",
                {kClubInvoice});
-    const QString outside = QDir::cleanPath(QDir(folder).filePath("../../x_FN_2026000001.pdf"));
+    const QString outside = QDir::cleanPath(QDir(folder).filePath("../../x_FN_2027000001.pdf"));
     const QString escaped = generateInvoicePdf(store, settings, kClubInvoice);
     EXPECT_EQ(QFileInfo(escaped).absoluteFilePath().toStdString(),
-              (folder + "/x_FN_2026000001.pdf").toStdString());
+              (folder + "/x_FN_2027000001.pdf").toStdString());
     EXPECT_TRUE(QFile::exists(escaped));
     EXPECT_FALSE(QFile::exists(outside)) << qPrintable(outside);
 
@@ -210,8 +210,8 @@ TEST(DocumentFiles, PartyCodesNeverChooseTheFolder) {
         {kClubInvoice});
     const QString split = generateInvoicePdf(store, settings, kClubInvoice);
     EXPECT_EQ(QFileInfo(split).absoluteFilePath().toStdString(),
-              (folder + "/CL13001_FN_2026000001.pdf").toStdString());
-    EXPECT_EQ(folderListing(folder), "CL13001_FN_2026000001.pdf,x_FN_2026000001.pdf");
+              (folder + "/CL13001_FN_2027000001.pdf").toStdString());
+    EXPECT_EQ(folderListing(folder), "CL13001_FN_2027000001.pdf,x_FN_2027000001.pdf");
 
     // What the name keeps of a code, and what a folder lets in.
     EXPECT_EQ(store::fileNamePart("../../../tmp/x").toStdString(), "tmpx");
@@ -241,12 +241,12 @@ TEST(DocumentFiles, OwnerOnlyAndLeftoversOfKilledRunsRemoved) {
     auto in = [&](const QString& name) { return QDir(folder).filePath(name); };
 
     // A killed run's temporaries, a run in progress, and files that are not ours.
-    age(in("CL13001_FN_2026000099.pdf.Ab12Cd"), 3600);
-    age(in("LR06_FN_2026000003.pdf.part"), 3600);
-    age(in("CD013_FN_2026000002.pdf.Xy34Zw"), 5);
+    age(in("CL13001_FN_2027000099.pdf.Ab12Cd"), 3600);
+    age(in("LR06_FN_2027000003.pdf.part"), 3600);
+    age(in("CD013_FN_2027000002.pdf.Xy34Zw"), 5);
     age(in("rapport.pdf.Ab12Cd"), 3600);
-    age(in("CL13001_FN_2026000001.pdf"), 3600);
-    QFile::setPermissions(in("CL13001_FN_2026000001.pdf"),
+    age(in("CL13001_FN_2027000001.pdf"), 3600);
+    QFile::setPermissions(in("CL13001_FN_2027000001.pdf"),
                           QFileDevice::ReadOwner | QFileDevice::WriteOwner |
                               QFileDevice::ReadGroup | QFileDevice::ReadOther);
 
@@ -261,7 +261,7 @@ TEST(DocumentFiles, OwnerOnlyAndLeftoversOfKilledRunsRemoved) {
         EXPECT_EQ(st.st_mode & 0777, 0600u) << qPrintable(path);
     }
     EXPECT_EQ(folderListing(folder),
-              "CD013_FN_2026000002.pdf.Xy34Zw,CL13001_FN_2026000001.pdf,LR06_FN_2026000003.pdf,"
+              "CD013_FN_2027000002.pdf.Xy34Zw,CL13001_FN_2027000001.pdf,LR06_FN_2027000003.pdf,"
               "rapport.pdf.Ab12Cd");
     QString info;
     EXPECT_EQ(test::runProgram("pdfinfo", {replaced}, {}, &info, nullptr), 0);

@@ -158,7 +158,7 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     const QString path = generateInvoicePdf(f.store(), f.settings, kClubInvoice);
     EXPECT_EQ(
         QDir::cleanPath(path),
-        QDir::cleanPath(QDir(f.settings.invoiceFolder).filePath("CL13001_FN_2026000001.pdf")));
+        QDir::cleanPath(QDir(f.settings.invoiceFolder).filePath("CL13001_FN_2027000001.pdf")));
     ASSERT_TRUE(QFile::exists(path));
     EXPECT_EQ(f.header(kClubInvoice, "ent_fact_edt"), "O");
     EXPECT_EQ(f.header(kClubInvoice, "ent_montant"), "80000");
@@ -179,7 +179,7 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     EXPECT_EQ(pdf.pages(), 1);
     const Word* title = pdf.find("FACTURE");
     ASSERT_TRUE(title);
-    EXPECT_EQ(pdf.lineOf(*title), "FACTURE N° BOW2026000001 du 11/11/2026");
+    EXPECT_EQ(pdf.lineOf(*title), "FACTURE N° BOW2027000001 du 11/11/2026");
     EXPECT_NEAR(title->x0, 6000, 5);
     EXPECT_NEAR(title->y0, 600, 60);
     // A club gets no "Client concerné" block.
@@ -240,7 +240,7 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     EXPECT_NEAR(coupon->x0, 7900, 5);
     EXPECT_NEAR(coupon->y0, 13450, 60);
     EXPECT_EQ(pdf.lineOf(*coupon), "Coupon à joindre à votre règlement");
-    EXPECT_TRUE(text.contains("Facture N° : 2026000001"));
+    EXPECT_TRUE(text.contains("Facture N° : 2027000001"));
     EXPECT_TRUE(text.contains("Date facture : 11/11/2026"));
     EXPECT_TRUE(text.contains("Montant : 800,00 €"));
     // The federation issues the document: named beside the logo and in the footer.
@@ -260,7 +260,7 @@ TEST(InvoiceDocument, ClubInvoiceTextsFormatsPlacesAndRecords) {
     f.store().exec("UPDATE strcompetition SET c_envoi_mail = 'O' WHERE c_index = 'FD799009'");
     EXPECT_EQ(generateInvoicePdf(f.store(), f.settings, kClubInvoice), path);
     EXPECT_EQ(QDir(f.settings.invoiceFolder).entryList(QDir::Files).join(','),
-              "CL13001_FN_2026000001.pdf");
+              "CL13001_FN_2027000001.pdf");
     EXPECT_EQ(f.store()
                   .scalar("SELECT c_envoi_mail FROM strcompetition WHERE c_index = 'FD799009'")
                   .toString(),
@@ -325,8 +325,8 @@ TEST(InvoiceDocument, CreditNotes) {
     ASSERT_EQ(dueDates.size(), 2u);
     EXPECT_EQ(single.lineOf(*dueDates[0], 0, 7000), "Date échéance : 05/01/2027");
     EXPECT_EQ(single.lineOf(*dueDates[1], 7800), "Date échéance : 05/01/2027");
-    EXPECT_EQ(single.lineOf(*single.find("AVOIR")), "AVOIR N° BOW2026000004 du 21/11/2026");
-    EXPECT_TRUE(single.all().contains("Avoir N° : 2026000004"));
+    EXPECT_EQ(single.lineOf(*single.find("AVOIR")), "AVOIR N° BOW2027000004 du 21/11/2026");
+    EXPECT_TRUE(single.all().contains("Avoir N° : 2027000004"));
     EXPECT_FALSE(single.find("Acompte"));
     EXPECT_FALSE(single.find("IBAN"));
     EXPECT_EQ(single.lineOf(*single.find("Net"), 7000), "Net à Payer : -425,00 €");
@@ -334,9 +334,9 @@ TEST(InvoiceDocument, CreditNotes) {
 
     // The range run writes only credit notes and marks their headers.
     f.store().exec("UPDATE strentete SET ent_fact_edt = 'N'");
-    const auto written = generateCreditNotePdfs(f.store(), f.settings, "2026000001", "2026000009");
+    const auto written = generateCreditNotePdfs(f.store(), f.settings, "2027000001", "2027000009");
     ASSERT_EQ(written.size(), 1u);
-    EXPECT_TRUE(written[0].endsWith("/CD013_FN_2026000004.pdf"));
+    EXPECT_TRUE(written[0].endsWith("/CD013_FN_2027000004.pdf"));
     EXPECT_EQ(f.header(kCreditNote, "ent_fact_edt"), "O");
     EXPECT_EQ(f.header(kClubInvoice, "ent_fact_edt"), "N");
 }
@@ -360,7 +360,7 @@ TEST(InvoiceDocument, LongInvoiceContinuesWithHeadsRepeated) {
     EXPECT_EQ(pdf.lineOf(*pdf.find("Page", 2)), "Page 2 / 2");
     // Every line once, in order, and the title on both pages.
     EXPECT_EQ(pdf.count("équipe"), 45);
-    EXPECT_EQ(pdf.count("BOW2026000005"), 2);
+    EXPECT_EQ(pdf.count("BOW2027000005"), 2);
     EXPECT_LT(pdf.find("45", 1)->page, 3);
     // Pagination keeps a few lines above the totals and never more than fit.
     const auto pages = paginateLines(60, 6500);
@@ -438,14 +438,14 @@ TEST(InvoiceDocument, BatchCommand) {
                   &out, &err),
               0)
         << qPrintable(err);
-    EXPECT_TRUE(out.contains("CL13001_FN_2026000001.pdf")) << qPrintable(out);
-    EXPECT_TRUE(out.contains("LR06_FN_2026000003.pdf"));
+    EXPECT_TRUE(out.contains("CL13001_FN_2027000001.pdf")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("LR06_FN_2027000003.pdf"));
     EXPECT_EQ(test::runProgram(ORVE_BATCH,
                                {"--home", inst.home(), "--as", "gestu", "pdf", "--credit-notes",
-                                "2026000001", "2026000009"},
+                                "2027000001", "2027000009"},
                                {}, &out, &err),
               0);
-    EXPECT_TRUE(out.contains("CD013_FN_2026000004.pdf")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("CD013_FN_2027000004.pdf")) << qPrintable(out);
     EXPECT_EQ(
         test::runProgram(ORVE_BATCH, {"--home", inst.home(), "--as", "gestu", "pdf", "424242"}, {},
                          &out, &err),

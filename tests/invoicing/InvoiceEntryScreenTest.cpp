@@ -48,7 +48,7 @@ TEST(InvoiceEntryScreen, EnterValidatesALineAndANewInvoiceStartsToday) {
     emit dept->editingFinished();
     pickItem(child<QComboBox>(&screen, "Combo13"), "Strike Club Aubagne");
     child<QPushButton>(&screen, "cmdValideFact_tiers")->click();
-    ASSERT_EQ(child<QLineEdit>(&screen, "tiers_num")->text(), "2026000006")
+    ASSERT_EQ(child<QLineEdit>(&screen, "tiers_num")->text(), "2027000006")
         << dialogs.takeShown().toStdString();
 
     pickItem(child<QComboBox>(&screen, "Combo16"), "Formation d'arbitre");
@@ -62,7 +62,7 @@ TEST(InvoiceEntryScreen, EnterValidatesALineAndANewInvoiceStartsToday) {
     EXPECT_TRUE(dialogs.failure().isEmpty()) << dialogs.failure().toStdString();
     EXPECT_EQ(
         session->store()
-            .scalar("SELECT SUM(f_montant) FROM strfacture WHERE f_num_facture = '2026000006'")
+            .scalar("SELECT SUM(f_montant) FROM strfacture WHERE f_num_facture = '2027000006'")
             .toInt(),
         16000);
     EXPECT_EQ(child<QLabel>(&screen, "lbl_total_facture")->text(), "Total : 160,00 €");
@@ -176,7 +176,7 @@ TEST(InvoiceEntryScreen, AClickOnTheTickTicksAndAnyOtherCellOpensTheInvoice) {
     EXPECT_EQ(grid->value(1, "c_edt").toString().trimmed(), "");
     grid->setCurrentIndex(grid->model()->index(1, grid->columnOf("Index")));
     EXPECT_FALSE(back->isVisible());
-    EXPECT_EQ(child<QLineEdit>(&screen, "tiers_num")->text(), "2026000003");
+    EXPECT_EQ(child<QLineEdit>(&screen, "tiers_num")->text(), "2027000003");
     EXPECT_EQ(child<app::DataGrid>(&screen, "DBGrid2")->rowCount(), 2);
     EXPECT_TRUE(dialogs.shown().empty());
 }

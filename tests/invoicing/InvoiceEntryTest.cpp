@@ -18,7 +18,7 @@ namespace {
 
 // The demo's licence invoice of club CL13001: 1 affiliation (120,00), 12 adult
 // (45,00), 5 young (22,00) and 3 discovery (10,00) licences.
-const QString kLicenceInvoice = "2026000001";
+const QString kLicenceInvoice = "2027000001";
 
 struct Fixture {
     test::TestInstall inst;
@@ -115,7 +115,7 @@ TEST(InvoiceEntry, ListingHoldsOneRowPerLineWithTotalsAndFilters) {
     SelectionState number;
     number.season = "2027";
     number.nature = "LIC";
-    number.invoiceNumber = "2026000003";
+    number.invoiceNumber = "2027000003";
     EXPECT_EQ(refreshInvoiceListing(f.store(), lic, buildSelectionCondition(number)).rows, 0);
 
     // A credit note is listed with its invoice and cancels it in the totals;
@@ -125,7 +125,7 @@ TEST(InvoiceEntry, ListingHoldsOneRowPerLineWithTotalsAndFilters) {
     EXPECT_EQ(t.amount.cents(), 0);
     EXPECT_EQ(t.quantity, 0);
     for (const auto& r : tri.select("SELECT c_date_facture, c_tri_facture FROM strcompetition "
-                                    "WHERE c_num_facture = '2026000002'")) {
+                                    "WHERE c_num_facture = '2027000002'")) {
         EXPECT_EQ(r.value(0).toString(), "21/11/2026");
         EXPECT_EQ(r.value(1).toString(), "20261121");
     }
@@ -141,18 +141,18 @@ TEST(InvoiceEntry, TicksAreKeptPerInvoiceInTheWorkstationListing) {
     Fixture f;
     refreshInvoiceListing(f.store(), entryMode("LI"), f.season2027());
     EXPECT_TRUE(tickedInvoices(f.store()).empty());
-    setListingTick(f.store(), "2026000003", true);
+    setListingTick(f.store(), "2027000003", true);
     // Two lines, one invoice.
     EXPECT_EQ(
         f.store().scratch().scalar("SELECT COUNT(*) FROM strcompetition WHERE c_edt = 'X'").toInt(),
         2);
-    EXPECT_EQ(tickedInvoices(f.store()), std::vector<QString>{"2026000003"});
+    EXPECT_EQ(tickedInvoices(f.store()), std::vector<QString>{"2027000003"});
     EXPECT_EQ(f.store().scratch().select(invoiceListingQuery(true)).size(), 2u);
     // Nothing shared carries the tick.
     EXPECT_EQ(f.store().scalar("SELECT COUNT(*) FROM strcompetition WHERE c_edt = 'X'").toInt(), 0);
-    setListingTick(f.store(), "2026000003", false);
+    setListingTick(f.store(), "2027000003", false);
     EXPECT_TRUE(tickedInvoices(f.store()).empty());
-    setListingTick(f.store(), "2026000003", true);
+    setListingTick(f.store(), "2027000003", true);
     refreshInvoiceListing(f.store(), entryMode("LI"), f.season2027());
     EXPECT_TRUE(tickedInvoices(f.store()).empty());
 }
@@ -213,7 +213,7 @@ TEST(InvoiceEntry, HeaderIsCreatedModifiedAndItsLinesTotalled) {
     EntryHeaderState s = clubState(f.store());
     s.depositText = "12,50";
     const QString number = saveEntryHeader(f.store(), lic, s, {}, f.inst.today());
-    EXPECT_EQ(number, "2026000006");
+    EXPECT_EQ(number, "2027000006");
     EXPECT_EQ(f.header(number, "ent_c_index"), "8FA00000");
     EXPECT_EQ(f.header(number, "ent_nature"), "LIC");
     EXPECT_EQ(f.header(number, "ent_fact_competition"), "Licence Saison 2026-2027");
@@ -287,11 +287,11 @@ TEST(InvoiceEntry, TheDocumentNameIsShownOnlyOnceTheFileIsThere) {
     Fixture f;
     QTemporaryDir folder;
     EXPECT_EQ(existingDocumentName(f.store(), folder.path(), kLicenceInvoice), "");
-    QFile file(QDir(folder.path()).filePath("CL13001_FN_2026000001.pdf"));
+    QFile file(QDir(folder.path()).filePath("CL13001_FN_2027000001.pdf"));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.close();
     EXPECT_EQ(existingDocumentName(f.store(), folder.path(), kLicenceInvoice),
-              "CL13001_FN_2026000001.pdf");
-    EXPECT_EQ(existingDocumentName(f.store(), folder.path(), "2026000003"), "");
+              "CL13001_FN_2027000001.pdf");
+    EXPECT_EQ(existingDocumentName(f.store(), folder.path(), "2027000003"), "");
     EXPECT_EQ(existingDocumentName(f.store(), folder.path(), "77"), "");
 }

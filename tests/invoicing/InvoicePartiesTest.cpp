@@ -128,16 +128,16 @@ TEST(InvoiceParties, EachKindFillsTheBlock) {
     // What the department choice refuses, naming the invoice.
     auto committeeRefusal = [&](const QString& facturation, const QString& no) {
         s.exec("UPDATE strdept SET de_facturation = ? WHERE de_no = '083'", {facturation});
-        return refusalOf([&] { committeeParty(s, no, AddressBlock::Billing, "2026000001"); });
+        return refusalOf([&] { committeeParty(s, no, AddressBlock::Billing, "2027000001"); });
     };
     EXPECT_EQ(committeeRefusal(" ", "083"),
-              "Impossible d'éditer la facture 2026000001 - compléter le dept : 083");
+              "Impossible d'éditer la facture 2027000001 - compléter le dept : 083");
     EXPECT_EQ(committeeRefusal("LR99", "083"),
-              "Impossible d'éditer la facture 2026000001 - veuillez créer la region : LR99");
+              "Impossible d'éditer la facture 2027000001 - veuillez créer la region : LR99");
     EXPECT_EQ(committeeRefusal("CD77", "083"),
-              "Impossible d'éditer la facture 2026000001 - veuillez créer le dept : 077");
+              "Impossible d'éditer la facture 2027000001 - veuillez créer le dept : 077");
     EXPECT_EQ(committeeRefusal("CD83", "99"),
-              "Impossible d'éditer la facture 2026000001 - veuillez créer le dept : 099");
+              "Impossible d'éditer la facture 2027000001 - veuillez créer le dept : 099");
     EXPECT_EQ(refusalOf([&] { leagueParty(s, "LR98"); }), "La ligue LR98 n'existe pas.");
 
     const InvoiceParty club = clubParty(s, "CL13001");

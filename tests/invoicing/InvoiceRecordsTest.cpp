@@ -68,10 +68,10 @@ TEST(InvoiceRecords, NumberingTakesTheHighestNumberByValue) {
 
     // A renumbering marker moves the numbering on; longer numbers stay whole.
     s.insert("strentete",
-             {{"ent_fact_no", "2026000000"}, {"ent_fact_lib", "Changement de numerotation"}});
+             {{"ent_fact_no", "2027000000"}, {"ent_fact_lib", "Changement de numerotation"}});
     const QString jumped = createInvoice(s, clubHeader(), inst.today());
-    EXPECT_EQ(jumped, "2026000001");
-    EXPECT_EQ(lineValue(s, jumped, "01", "f_num_facture"), "2026000001");
+    EXPECT_EQ(jumped, "2027000001");
+    EXPECT_EQ(lineValue(s, jumped, "01", "f_num_facture"), "2027000001");
 }
 
 TEST(InvoiceRecords, HeaderValidationWritesNothing) {

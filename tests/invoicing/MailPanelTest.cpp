@@ -165,10 +165,10 @@ TEST(MailPanel, OrveBatchMailsAsThePanelDoesAndKeepsTheTexts) {
     // A refused recipient: that invoice named with the server's answer, exit 1.
     EXPECT_EQ(test::runProgram(batch,
                                {"--home", inst.home(), "--as", "gestu", "mail", "--nature", "LI",
-                                test::kLeagueInvoice, "2026000099"},
+                                test::kLeagueInvoice, "2027000099"},
                                {}, &out, &err, env),
               1);
-    EXPECT_TRUE(out.contains("facture N° 2026000099 : non envoyée - elle n'est pas dans la liste"));
+    EXPECT_TRUE(out.contains("facture N° 2027000099 : non envoyée - elle n'est pas dans la liste"));
     EXPECT_TRUE(out.contains("facture N° " + test::kLeagueInvoice +
                              " : en échec - le serveur a répondu « 550 5.1.1 Destinataire "
                              "inconnu »"))

@@ -9,12 +9,12 @@ namespace orve::test {
 // The demo installation's invoices: club (licences), committee (cancelled by
 // the credit note after it), league, the credit note, and a long regional day;
 // the renumbering marker stands below them.
-inline const QString kClubInvoice = QStringLiteral("2026000001");
-inline const QString kCommitteeInvoice = QStringLiteral("2026000002");
-inline const QString kLeagueInvoice = QStringLiteral("2026000003");
-inline const QString kDemoCreditNote = QStringLiteral("2026000004");
-inline const QString kLongInvoice = QStringLiteral("2026000005");
-inline const QString kMarker = QStringLiteral("2026000000");
+inline const QString kClubInvoice = QStringLiteral("2027000001");
+inline const QString kCommitteeInvoice = QStringLiteral("2027000002");
+inline const QString kLeagueInvoice = QStringLiteral("2027000003");
+inline const QString kDemoCreditNote = QStringLiteral("2027000004");
+inline const QString kLongInvoice = QStringLiteral("2027000005");
+inline const QString kMarker = QStringLiteral("2027000000");
 
 // One column of an invoice header, as text.
 inline QString headerValue(const store::Store& store, const QString& number, const char* column) {

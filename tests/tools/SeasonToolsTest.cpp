@@ -108,19 +108,19 @@ TEST(InvoiceRenumbering, RefusesNumbersNotAboveTheLastAndTheNextInvoiceTakesTheT
     store::Store& s = session->store();
     EXPECT_EQ(lastInvoiceNumber(s), test::kLongInvoice);
     const int headers = rows(s, "SELECT COUNT(*) FROM strentete");
-    for (const QString& typed : {test::kLongInvoice, QString("2026000004"), QString("")})
+    for (const QString& typed : {test::kLongInvoice, QString("2027000004"), QString("")})
         EXPECT_EQ(refusalOf([&] { renumberInvoices(s, typed, inst.today()); }),
                   "Impossible, le prochain N° doit être supérieur au dernier utilisé !!!")
             << typed.toStdString();
     EXPECT_EQ(rows(s, "SELECT COUNT(*) FROM strentete"), headers);
 
-    const RenumberingResult r = renumberInvoices(s, "2027000001", inst.today());
-    EXPECT_EQ(r.placeholder, "2027000000");
-    EXPECT_EQ(r.message(), "Traitement termine : la prochaine facture portera le N° 2027000001.");
+    const RenumberingResult r = renumberInvoices(s, "2028000001", inst.today());
+    EXPECT_EQ(r.placeholder, "2028000000");
+    EXPECT_EQ(r.message(), "Traitement termine : la prochaine facture portera le N° 2028000001.");
     const auto placeholder = s.selectOne(
         "SELECT ent_fact_lib, ent_fact_date, ent_fact_tri, ent_envoi_mail, "
         "ent_compta, ent_tiers_fact, ent_c_index FROM strentete "
-        "WHERE ent_fact_no = '2027000000'");
+        "WHERE ent_fact_no = '2028000000'");
     ASSERT_TRUE(placeholder);
     EXPECT_EQ(placeholder->value(0).toString(), "Changement de numerotation");
     EXPECT_EQ(placeholder->value(1).toString(), "21/11/2026");
@@ -129,17 +129,17 @@ TEST(InvoiceRenumbering, RefusesNumbersNotAboveTheLastAndTheNextInvoiceTakesTheT
     EXPECT_EQ(placeholder->value(4).toString(), "O");
     EXPECT_TRUE(placeholder->value(5).isNull());
     EXPECT_TRUE(placeholder->value(6).isNull());
-    EXPECT_EQ(rows(s, "SELECT COUNT(*) FROM strfacture WHERE f_num_facture = '2027000000'"), 0);
-    EXPECT_EQ(invoicing::nextInvoiceNumber(s), "2027000001");
+    EXPECT_EQ(rows(s, "SELECT COUNT(*) FROM strfacture WHERE f_num_facture = '2028000000'"), 0);
+    EXPECT_EQ(invoicing::nextInvoiceNumber(s), "2028000001");
     const QString made = invoicing::createInvoice(s, clubHeader(inst.today()), inst.today());
-    EXPECT_EQ(made, "2027000001");
-    EXPECT_EQ(rows(s, "SELECT COUNT(*) FROM strfacture WHERE f_num_facture = '2027000001'"), 1);
+    EXPECT_EQ(made, "2028000001");
+    EXPECT_EQ(rows(s, "SELECT COUNT(*) FROM strfacture WHERE f_num_facture = '2028000001'"), 1);
 
     // One above the last is what comes anyway: no placeholder repeats the last number.
-    const RenumberingResult plain = renumberInvoices(s, "2027000002", inst.today());
+    const RenumberingResult plain = renumberInvoices(s, "2028000002", inst.today());
     EXPECT_TRUE(plain.placeholder.isEmpty());
-    EXPECT_EQ(rows(s, "SELECT COUNT(*) FROM strentete WHERE ent_fact_no = '2027000001'"), 1);
-    EXPECT_EQ(invoicing::createInvoice(s, clubHeader(inst.today()), inst.today()), "2027000002");
+    EXPECT_EQ(rows(s, "SELECT COUNT(*) FROM strentete WHERE ent_fact_no = '2028000001'"), 1);
+    EXPECT_EQ(invoicing::createInvoice(s, clubHeader(inst.today()), inst.today()), "2028000002");
 
     // Numbers beyond what a 32-bit integer holds go on the same way.
     renumberInvoices(s, "9000000001", inst.today());
@@ -154,6 +154,6 @@ TEST(InvoiceRenumbering, AnEmptyInvoiceFileShowsTheFirstNumber) {
     EXPECT_EQ(lastInvoiceNumber(s), "000001");
     EXPECT_EQ(refusalOf([&] { renumberInvoices(s, "1", inst.today()); }),
               "Impossible, le prochain N° doit être supérieur au dernier utilisé !!!");
-    EXPECT_EQ(renumberInvoices(s, "2027000001", inst.today()).placeholder, "2027000000");
-    EXPECT_EQ(invoicing::nextInvoiceNumber(s), "2027000001");
+    EXPECT_EQ(renumberInvoices(s, "2028000001", inst.today()).placeholder, "2028000000");
+    EXPECT_EQ(invoicing::nextInvoiceNumber(s), "2028000001");
 }

@@ -163,21 +163,21 @@ TEST(ToolScreens, TheSeasonWindowsTakeDigitsOnlyAndSayWhatTheyDid) {
     ORVE_out_newnumero numbering(*session, dialogs);
     auto* last = child<QLineEdit>(&numbering, "txt_dernier_num");
     auto* next = child<QLineEdit>(&numbering, "txt_new_num");
-    EXPECT_EQ(last->text(), "2026000005");
+    EXPECT_EQ(last->text(), "2027000005");
     EXPECT_TRUE(last->isReadOnly());
-    EXPECT_TRUE(accepts(next, "2027000001"));
+    EXPECT_TRUE(accepts(next, "2028000001"));
     EXPECT_FALSE(accepts(next, "2027-01"));
-    EXPECT_FALSE(accepts(next, "20270000011"));
-    next->setText("2026000005");
+    EXPECT_FALSE(accepts(next, "20280000011"));
+    next->setText("2027000005");
     child<QPushButton>(&numbering, "cmdvalide")->click();
     EXPECT_EQ(dialogs.takeShown(),
               "Impossible, le prochain N° doit être supérieur au dernier utilisé !!!");
-    EXPECT_EQ(next->text(), "2026000005");
-    next->setText("2027000001");
+    EXPECT_EQ(next->text(), "2027000005");
+    next->setText("2028000001");
     child<QPushButton>(&numbering, "cmdvalide")->click();
     EXPECT_EQ(dialogs.takeShown(),
-              "Traitement termine : la prochaine facture portera le N° 2027000001.");
-    EXPECT_EQ(last->text(), "2027000000");
+              "Traitement termine : la prochaine facture portera le N° 2028000001.");
+    EXPECT_EQ(last->text(), "2028000000");
     EXPECT_TRUE(next->text().isEmpty());
     EXPECT_TRUE(dialogs.shown().empty());
 }

@@ -33,10 +33,10 @@ TEST(ToolsBatch, SeasonRenumberingAndToolsFromAShell) {
 
     EXPECT_EQ(batch({"renumeroter", "2027O00001"}), 1);
     EXPECT_TRUE(err.contains("chiffres seulement")) << err.toStdString();
-    ASSERT_EQ(batch({"renumeroter", "2027000001"}), 0) << err.toStdString();
+    ASSERT_EQ(batch({"renumeroter", "2028000001"}), 0) << err.toStdString();
     EXPECT_TRUE(
         out.endsWith("Traitement termine : la prochaine facture portera le N° "
-                     "2027000001.\n"))
+                     "2028000001.\n"))
         << out.toStdString();
 
     // Without --oui a tool only says what it would do.
