@@ -109,6 +109,7 @@ TEST(SalesJournal, CsvIsForAFrenchSpreadsheet) {
     const QStringList formulas =
         QString::fromUtf8(journalCsv(w.store(), test::seasonSelection("2021", "10/20")).mid(3))
             .split("\r\n");
+    ASSERT_EQ(formulas.size(), 6);
     EXPECT_TRUE(formulas[1].contains(";\"'=HYPERLINK(\"\"http://x.test\"\")\";"))
         << formulas[1].toStdString();
     EXPECT_TRUE(formulas[1].endsWith(";'@SUM(1+1);12;45,00;540,00")) << formulas[1].toStdString();
@@ -145,6 +146,7 @@ TEST(TurnoverStatistics, EachModeGroupsItsOwnOrganisersWithCumulativeRows) {
     ReportWorld w;
     const StatisticsResult natures =
         computeStatistics(w.store(), w.request(StatisticsMode::ByNature));
+    ASSERT_EQ(natures.summary.size(), 4u);
     EXPECT_EQ(summaryOf(natures.summary, "c_nature"),
               (QStringList{"CHAF|99999990|12|1200", "CHAF|99999991|2|2000", "DBEXC|99999991|1|3000",
                            "PRIVE|00000008|1|5000"}));
@@ -160,6 +162,7 @@ TEST(TurnoverStatistics, EachModeGroupsItsOwnOrganisersWithCumulativeRows) {
     // By league: only organisers whose code begins with "R"; one "CUM" row each.
     const auto leagues = w.request(StatisticsMode::ByLeague);
     const StatisticsResult byLeague = computeStatistics(w.store(), leagues);
+    ASSERT_EQ(byLeague.summary.size(), 2u);
     EXPECT_EQ(summaryOf(byLeague.summary, "c_cod4"), (QStringList{"R06|-|7|2500", "R11|-|1|3000"}));
     EXPECT_EQ(byLeague.summary[0].value("c_cod1").toString(), "CUM");
     EXPECT_EQ(byLeague.summary[0].value("c_intitule").toString(), "Cumul de la facturation");
@@ -170,6 +173,7 @@ TEST(TurnoverStatistics, EachModeGroupsItsOwnOrganisersWithCumulativeRows) {
     EXPECT_EQ(byLeague.totals.quantity, 16);
     // Down from the organiser to its articles, and from an article to its lines.
     const store::Rows articles = articleTotals(w.store(), leagues, byLeague.summary[0]);
+    ASSERT_EQ(articles.size(), 2u);
     EXPECT_EQ(summaryOf(articles, "c_cod4"),
               (QStringList{"R06|99999990|5|500", "R06|99999991|2|2000"}));
     EXPECT_EQ(articles[0].value("c_cod1").toString(), "-");

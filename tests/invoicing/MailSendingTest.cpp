@@ -31,8 +31,9 @@ const QString kOperatorMail = QStringLiteral("gestu@kvarn-bowling.example");
 const QString kSender = QStringLiteral("factures@kvarn-bowling.example");
 const QString kText = QStringLiteral("Veuillez trouver ci-joint votre facture.\nCordialement.");
 
+// The test script installs the SMTP server: one that cannot start is a failure.
 #define REQUIRE_SERVER(server) \
-    if (!(server).error().isEmpty()) GTEST_SKIP() << (server).error().toStdString()
+    ASSERT_TRUE((server).error().isEmpty()) << (server).error().toStdString()
 
 QString sha256(const QString& path) {
     QFile f(path);
