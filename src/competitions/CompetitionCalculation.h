@@ -29,7 +29,8 @@ struct CalculationDecision {
 CalculationDecision decideRow(const CalculationInput& row, const QString& nature, bool national);
 
 // Calculates the competition `index` with its nature `nature` (the card's).
-// `stillOpen` is true while the card has unvalidated changes: Refusal
+// `stillOpen` is true while the card may still be validated (its validate
+// button enabled: chosen and not validated since, or changed): Refusal
 // "Vous devez d'abord valider cette compétition". Resets every unfinished
 // row first (all competitions), then marks; returns how many rows are "C".
 int calculateCompetition(store::Store& store, const reference::Viewer& viewer, const QString& index,

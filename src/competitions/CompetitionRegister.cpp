@@ -67,7 +67,12 @@ Fields descriptiveFields(const CompetitionRecord& r) {
             {"c_ligne_eliminatoire", format::leadingNumber(lineCountText(r.eliminatoryLines))},
             {"c_ligne_finale", format::leadingNumber(lineCountText(r.finalLines))},
             {"c_tri_finale", competitionSortKey(r.date)},
-            {"c_date_finale", r.date.trimmed()}};
+            {"c_date_finale", r.date.trimmed()},
+            {"c_cod1", r.codes[0].trimmed()},
+            {"c_cod2", r.codes[1].trimmed()},
+            {"c_cod3", r.codes[2].trimmed()},
+            {"c_cod4", r.codes[3].trimmed()},
+            {"c_cod5", r.codes[4].trimmed()}};
 }
 
 // One party the competition may be invoiced to.
@@ -286,6 +291,12 @@ store::Query partyRowsQuery(const QString& index) {
             QStringLiteral("c_index")};
 }
 
+store::Query partyRowsByNameQuery(const QString& index) {
+    store::Query q = partyRowsQuery(index);
+    q.orderBy = QStringLiteral("c_nom_organisateur");
+    return q;
+}
+
 store::Query rowsToInvoiceQuery(const QString& index) {
     return {QStringLiteral("SELECT * FROM strcompetition"),
             {QStringLiteral("index_reference = ? AND c_facture = ?"),
@@ -310,6 +321,8 @@ CompetitionRecord loadCompetition(const Store& store, const QString& index) {
     c.billLines = text(*r, "c_fact_ligne").trimmed().toUpper() == QStringLiteral("O");
     c.eliminatoryLines = QString::number(r->value("c_ligne_eliminatoire").toLongLong());
     c.finalLines = QString::number(r->value("c_ligne_finale").toLongLong());
+    for (int i = 0; i < 5; ++i)
+        c.codes[i] = r->value(QStringLiteral("c_cod%1").arg(i + 1)).toString().trimmed();
     // The date is rebuilt from its sort key, as the card shows it.
     const QString sortKey = text(*r, "c_tri_finale").trimmed();
     c.date = sortKey.size() == 8

@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QString>
+#include <array>
 #include <optional>
 
 #include "reference/Visibility.h"
@@ -42,6 +43,10 @@ struct CompetitionRecord {
     QString eliminatoryLines = QStringLiteral("0");  // c_ligne_eliminatoire
     QString finalLines = QStringLiteral("0");        // c_ligne_finale
     QString date;                                    // c_date_finale, "dd/mm/yyyy"
+    // c_cod1 to c_cod5, values of the codification lists: the statistics
+    // count a competition by them (c_cod3 the organiser's level, "DE" or
+    // "IR"; c_cod4 the organiser's code, "R…" for a league).
+    std::array<QString, 5> codes;
 };
 
 // "12/03/2027" gives "20270312"; an invalid date gives "".
@@ -54,6 +59,8 @@ QString lineCountText(const QString& typed);
 store::Query competitionsQuery(const QString& season);
 // The party rows of a competition, by key (DBGrid10).
 store::Query partyRowsQuery(const QString& index);
+// The same rows by party name, as listed once the competition is validated.
+store::Query partyRowsByNameQuery(const QString& index);
 // The party rows the calculation marked for invoicing, by key.
 store::Query rowsToInvoiceQuery(const QString& index);
 

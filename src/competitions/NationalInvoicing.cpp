@@ -123,15 +123,12 @@ std::vector<InvoiceLine> championshipLines(const BatchRow& row, Money linePrice)
     return lines;
 }
 
+// Both lines always, a zero one included: the federation's private invoice
+// shows the fixed part and the players side by side.
 std::vector<InvoiceLine> privateLines(const BatchRow& row, Money playerPrice) {
-    std::vector<InvoiceLine> lines;
-    if (row.fixedPart.cents() != 0)
-        lines.push_back(
-            {kFixedPartArticle, QStringLiteral("Calendrier : Frais Fixe"), 1, row.fixedPart});
-    if (row.players != 0)
-        lines.push_back({kPlayerFeeArticle, QStringLiteral("Participation par joueur"), row.players,
-                         playerPrice});
-    return lines;
+    return {{kFixedPartArticle, QStringLiteral("Calendrier : Frais Fixe"), 1, row.fixedPart},
+            {kPlayerFeeArticle, QStringLiteral("Participation par joueur"), row.players,
+             playerPrice}};
 }
 
 InvoiceParty codificationParty(const Store& store, const QString& codification,

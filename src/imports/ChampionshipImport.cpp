@@ -138,7 +138,7 @@ ImportReport ChampionshipImport::write(bool again, const ImportProgress& progres
     c.title = kChampionshipTitle;
     setFinalDate(c, m_settings.finalDate);
     c.organiserKind = QStringLiteral("C");
-    c.registered = format::displayDate(m_settings.today);
+    c.registered = kChampionshipRegistrationDate;
     if (progress && !progress(0, total)) throw Refusal(kImportCancelled);
     int done = 0;
     for (const Entry& e : m_entries) {

@@ -66,9 +66,6 @@ ImportReport DepartmentImport::apply(const ImportProgress& progress) {
     QHash<QString, QString> departments;  // upper-case number → as stored
     for (const auto& r : m_store.select(QStringLiteral("SELECT de_no FROM strdept")))
         departments.insert(r.value(0).toString().toUpper(), r.value(0).toString());
-    QHash<QString, QString> leagues;
-    for (const auto& r : m_store.select(QStringLiteral("SELECT re_code FROM strregion")))
-        leagues.insert(r.value(0).toString().toUpper(), r.value(0).toString());
 
     int number = 0;
     const int lines = static_cast<int>(loaded.size());
@@ -82,33 +79,22 @@ ImportReport DepartmentImport::apply(const ImportProgress& progress) {
             continue;
         }
         const QStringList f = ImportFile::fields(line.text, kFieldCount);
-        if (const QString why = numberProblem(QStringLiteral("numéro de département"), f[1], 999);
-            !why.isEmpty()) {
-            report.skip(line, why);
-            continue;
-        }
+        // "1", "01" and "001" are all committee 001; a number that is not one,
+        // or none at all (a line without ";"), names no committee.
         const int n = fieldNumber(f[1], 999);
-        // "1", "01" and "001" are all committee 001.
-        const QString department = padded(n, 3);
-        const auto stored = departments.constFind(department);
+        const QString department = n >= 0 ? padded(n, 3) : f[1];
+        const auto stored = departments.constFind(department.toUpper());
         if (stored == departments.constEnd()) {
             report.skip(line, QStringLiteral("Dept ") + department + QStringLiteral(" inconnu"));
             continue;
         }
-        if (f[2].isEmpty()) {
-            report.skip(line, QStringLiteral("code de ligue absent"));
-            continue;
-        }
-        const auto league = leagues.constFind(f[2].toUpper());
-        if (league == leagues.constEnd()) {
-            report.skip(line, QStringLiteral("Ligue %1 inconnue").arg(format::echoed(f[2])));
-            continue;
-        }
-        if (const QString why = overlongField(f, {4}); !why.isEmpty()) {
+        if (const QString why = overlongField(f, {3, 4}); !why.isEmpty()) {
             report.skip(line, why);
             continue;
         }
-        changes.push_back({*stored, *league, f[3]});
+        // The league is written as the file gives it, known here or not: the
+        // federation's file is the reference for the committees' leagues.
+        changes.push_back({*stored, f[2], f[3]});
     }
 
     store::PreparedStatement update(

@@ -153,4 +153,10 @@ QStringList ImportFile::fields(const QString& text, int count) {
     return out;
 }
 
+QString ImportFile::lastField(const QString& text) {
+    qsizetype pos = 0;
+    for (qsizetype end = fieldEnd(text, pos); end >= 0; end = fieldEnd(text, pos)) pos = end + 1;
+    return unquoted(QStringView(text).mid(pos));
+}
+
 }  // namespace orve::imports

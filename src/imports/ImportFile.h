@@ -43,6 +43,9 @@ class ImportFile {
     // hold ";" and doubled quotes; the quotes are removed. Blanks around a
     // field are not part of it.
     static QStringList fields(const QString& text, int count);
+    // What follows the last ";" of the line (outside quotes), however many
+    // fields come before it; the whole line when it has none.
+    static QString lastField(const QString& text);
 
   private:
     QString m_path;

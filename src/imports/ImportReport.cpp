@@ -14,7 +14,7 @@ QString duplicateQuestion(int existing) {
 }
 
 QString loadingMessage(int lines) {
-    return kLoadingDone + QStringLiteral("(lignes lues : %1)").arg(lines);
+    return kLoadingDone + QStringLiteral("\nLignes lues : %1.").arg(lines);
 }
 
 void ImportReport::skip(const ImportFile::Line& line, const QString& reason) {
@@ -34,7 +34,7 @@ bool ImportReport::wasSkipped(int lineNumber) const {
 
 QString ImportReport::closing(const QString& words) const {
     return QStringLiteral(
-               "%1. Lignes lues : %2 ; créations : %3 ; mises à jour : %4 ; lignes "
+               "%1\nLignes lues : %2 ; créations : %3 ; mises à jour : %4 ; lignes "
                "ignorées : %5.")
         .arg(words.trimmed())
         .arg(read)

@@ -23,6 +23,9 @@ inline const QString kWomenNature = QStringLiteral("CDCND");
 inline const QString kMenNature = QStringLiteral("CDCNH");
 // The final is on 27 May of its season unless the operator says otherwise.
 inline const QString kChampionshipFinalDayMonth = QStringLiteral("27/05/");
+// The championship's entries have always been registered on this day,
+// whatever the day of the import.
+inline const QString kChampionshipRegistrationDate = QStringLiteral("01/12/2017");
 
 // Private tournaments.
 inline const QString kPrivateType = QStringLiteral("PR");

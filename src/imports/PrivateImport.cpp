@@ -83,7 +83,10 @@ void PrivateImport::check(const ImportFile& file, const ImportProgress& progress
             m_report.skip(line, why);
             continue;
         }
-        const QStringList f = ImportFile::fields(line.text, kFieldCount);
+        QStringList f = ImportFile::fields(line.text, kFieldCount);
+        // The organiser is what follows the line's last ";", however many
+        // fields the sender put before it.
+        f[11] = ImportFile::lastField(line.text);
         if (f[0].size() != 4 || fieldNumber(f[0], 9999) < 1000) {
             m_report.skip(line, f[0].isEmpty() ? QStringLiteral("saison absente")
                                                : QStringLiteral("saison « %1 » n'est pas une année")

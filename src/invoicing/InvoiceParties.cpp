@@ -105,12 +105,13 @@ ListItems licenseeItems(const Store& store, const QString& typed) {
     QString name = typed.trimmed();
     const bool beginsWith = name.startsWith(QChar('%'));
     if (beginsWith) name = name.mid(1);
-    const QString pattern =
-        (beginsWith ? QString() : QStringLiteral("%")) + literalPattern(name) + QStringLiteral("%");
+    const QString pattern = (beginsWith ? QString() : QStringLiteral("%")) +
+                            literalPattern(store::caselessText(name)) + QStringLiteral("%");
     ListItems out;
     for (const auto& r : store.select(
-             QStringLiteral("SELECT l_an, l_num, l_nom, l_prenom FROM strlicence WHERE l_nom LIKE "
-                            "? ESCAPE '!' ORDER BY l_nom, l_prenom, l_an, l_num"),
+             QStringLiteral("SELECT l_an, l_num, l_nom, l_prenom FROM strlicence WHERE %1 LIKE "
+                            "? ESCAPE '!' ORDER BY l_nom, l_prenom, l_an, l_num")
+                 .arg(store::caselessSql(QStringLiteral("l_nom"))),
              {pattern}))
         out.push_back(
             {trimmedText(r, "l_an") + QChar('-') + trimmedText(r, "l_num"),

@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 
 #include "invoicing/InvoiceRecords.h"
+#include "reference/ReferenceCodes.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 #include "store/Seasons.h"
@@ -76,11 +77,14 @@ SelectionCondition buildSelectionCondition(const SelectionState& s) {
     if (name.startsWith(QChar('%'))) {
         const QString prefix = name.mid(1);
         if (!prefix.isEmpty()) {
-            where &= {QStringLiteral("upper(substr(c_nom_organisateur, 1, ?)) = upper(?)"),
-                      {static_cast<int>(prefix.size()), prefix}};
+            where &= {store::caselessSql(QStringLiteral("substr(c_nom_organisateur, 1, ?)")) +
+                          QStringLiteral(" = ?"),
+                      {static_cast<int>(prefix.size()), store::caselessText(prefix)}};
         }
     } else if (!name.isEmpty()) {
-        add(QStringLiteral("instr(upper(c_nom_organisateur), upper(?)) > 0"), name);
+        add(QStringLiteral("instr(%1, ?) > 0")
+                .arg(store::caselessSql(QStringLiteral("c_nom_organisateur"))),
+            store::caselessText(name));
     }
 
     for (int i = 0; i < 5; ++i) {
@@ -147,11 +151,8 @@ SelectionLists loadSelectionLists(const store::Store& store, const QString& mode
                          r.value(1).toString().trimmed();
     l.departments = loadDepartments(store, kAll);
     for (int i = 0; i < 5; ++i) {
-        l.codes[i] << kAll << QStringLiteral(" ");
-        for (const auto& r : store.select(QStringLiteral("SELECT p_valeur FROM strcodification "
-                                                         "WHERE p_num = ? ORDER BY p_valeur"),
-                                          {QString::number(i + 1)}))
-            l.codes[i] << r.value(0).toString();
+        l.codes[i] << kAll << QStringLiteral(" ")
+                   << reference::codificationValues(store, i + 1);
     }
     return l;
 }

@@ -47,4 +47,14 @@ QString formatNumber(const QString& text, int width) {
     return digits.size() >= width ? digits : QString(width - digits.size(), QChar('0')) + digits;
 }
 
+QStringList codificationValues(const store::Store& store, int list) {
+    QStringList out;
+    for (const auto& r :
+         store.select(QStringLiteral("SELECT p_valeur FROM strcodification WHERE p_num = ? "
+                                     "ORDER BY p_valeur"),
+                      {QString::number(list)}))
+        out << r.value(0).toString();
+    return out;
+}
+
 }  // namespace orve::reference

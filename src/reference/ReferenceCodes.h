@@ -31,6 +31,10 @@ void requireDigits(const QString& caption, const QString& text);
 // "Le champ « Nom du Club » est obligatoire."
 void requireText(const QString& caption, const QString& text);
 
+// The values of codification list 1 to 5 (strcodification), in order: what
+// a competition's c_cod1 to c_cod5 hold and the panels filter on.
+QStringList codificationValues(const store::Store& store, int list);
+
 // Drop-down list items are the program's own, one level down.
 using app::itemCode;
 using app::kChoose;

@@ -9,6 +9,7 @@
 #include "competitions/CompetitionRegister.h"
 #include "competitions/PseudoCompetitions.h"
 #include "invoicing/DemoInvoices.h"
+#include "shell/DemoCompetitions.h"
 #include "shell/DemoSettings.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
@@ -438,7 +439,8 @@ void fillArticlesAndNatures(Store& s, int season) {
     for (const char* t : {"FD", "PR", "LI", "DV", "JO"}) s.insert("strtypec", {{"t_code", t}});
     const std::pair<const char*, const char*> codes[] = {
         {"1", "CUM"}, {"1", "NAT"}, {"2", "DM"},  {"2", "DF"},  {"2", "MX"}, {"3", "DE"},
-        {"3", "IR"},  {"4", "R06"}, {"4", "R11"}, {"4", "R44"}, {"5", "S1"}, {"5", "S2"}};
+        {"3", "IR"},  {"4", "R06"}, {"4", "R11"}, {"4", "R44"}, {"4", "D13"}, {"4", "D83"},
+        {"4", "ISE"}, {"5", "S1"},  {"5", "S2"}};
     for (const auto& [num, value] : codes)
         s.insert("strcodification", {{"p_num", num}, {"p_valeur", value}});
     s.insert("strmail", {{"mail_nom", "facture"},
@@ -451,211 +453,6 @@ void fillArticlesAndNatures(Store& s, int season) {
                           QStringLiteral("Bonjour,\n\nVeuillez trouver ci-joint un avoir annulant "
                                          "une facture précédente.\n\nLe service comptable de la "
                                          "K.V.A.R.N.")}});
-}
-
-// Competitions of the working season, registered as their operators would,
-// with the team counts typed: a newcomer calculates and invoices at once.
-struct DemoCompetition {
-    reference::Viewer viewer;
-    const char* title;
-    const char* nature;
-    const char* composition;
-    const QString& kind;
-    bool entry, lines;
-    const char* eliminatoryLines;
-    const char* finalLines;
-    int month, day;  // in the season's second year
-    // Party code at the head of the row, and its three counts.
-    std::vector<std::tuple<const char*, const char*, const char*, const char*>> counts;
-};
-
-void fillCompetitions(Store& s, int season) {
-    using competitions::kClubs;
-    using competitions::kCommittees;
-    const reference::Viewer league{"ligue06", "LR06", "D1"};
-    const reference::Viewer committee{"CD13", "13", "D1"};
-    const reference::Viewer national{"gestu", "JKV", "D1"};
-    const DemoCompetition demo[] = {
-        {league,
-         "Championnat régional quadrettes",
-         "CDCNH",
-         "4",
-         kClubs,
-         true,
-         true,
-         "6",
-         "3",
-         3,
-         14,
-         {{"CL06001", "2", "2", "1"},
-          {"CL13001", "3", "2", "1"},
-          {"CL13002", "1", "0", "0"},
-          {"CL13003", "2", "1", "0"}}},
-        {league,
-         "Coupe des comités doublettes dames",
-         "CDCND",
-         "2",
-         kCommittees,
-         true,
-         false,
-         "0",
-         "0",
-         4,
-         11,
-         {{"CD013", "4", "0", "0"}, {"CD083", "2", "0", "0"}}},
-        {committee,
-         "Challenge départemental individuel",
-         "CDCNH",
-         "1",
-         kClubs,
-         true,
-         true,
-         "3",
-         "2",
-         2,
-         7,
-         {{"CL13001", "6", "4", "2"}, {"CL13002", "3", "0", "0"}, {"CL13003", "2", "2", "0"}}},
-        {national,
-         "Challenge fédéral",
-         "CHAF",
-         "4",
-         kClubs,
-         true,
-         false,
-         "0",
-         "0",
-         5,
-         23,
-         {{"LR06", "10", "4", "2"},
-          {"LR11", "6", "3", "1"},
-          {"LR21", "2", "1", "0"},
-          {"LR44", "5", "2", "1"},
-          {"LR69", "3", "1", "0"}}},
-        {national,
-         "Doublettes honneur",
-         "DBHON",
-         "2",
-         kClubs,
-         true,
-         false,
-         "0",
-         "0",
-         6,
-         6,
-         {{"LR06", "0", "3", "1"}, {"LR11", "0", "2", "2"}, {"LR33", "0", "1", "0"}}},
-    };
-    for (const auto& d : demo) {
-        competitions::CompetitionRecord r;
-        r.season = QString::number(season);
-        r.title = QString::fromUtf8(d.title);
-        r.nature = QString::fromUtf8(d.nature);
-        r.composition = QString::fromUtf8(d.composition);
-        r.billedKind = d.kind;
-        r.billEntry = d.entry;
-        r.billLines = d.lines;
-        r.eliminatoryLines = QString::fromUtf8(d.eliminatoryLines);
-        r.finalLines = QString::fromUtf8(d.finalLines);
-        r.date = format::displayDate(QDate(season, d.month, d.day));
-        const QString index = competitions::saveCompetition(s, d.viewer, r).index;
-        for (const auto& [code, teams, eliminatory, finals] : d.counts) {
-            const auto row = s.selectOne(
-                QStringLiteral("SELECT c_index FROM strcompetition WHERE index_reference = ? AND "
-                               "c_nom_organisateur LIKE ?"),
-                {index, QString::fromUtf8(code) + QStringLiteral(" - %")});
-            if (!row)
-                throw StoreError(QStringLiteral("Données de démonstration incomplètes : %1 dans %2")
-                                     .arg(QString::fromUtf8(code), index));
-            competitions::setTeamCounts(s, d.viewer, row->value(0).toString(),
-                                        {QString::fromUtf8(teams), QString::fromUtf8(eliminatory),
-                                         QString::fromUtf8(finals)});
-        }
-    }
-}
-
-// Competitions of the working season as the national championship and
-// private imports write them, with what their invoicing reads: lines at
-// levels N1 to N3, a fixed part (cents) and players. Some owe nothing or name
-// nobody ("CL99999"), as real files have them.
-struct DemoImported {
-    const char* number;  // after the prefix
-    const char* type;
-    const char* nature;
-    const char* title;
-    const char* codification;
-    const char* organiser;
-    const char* n1;
-    const char* n2;
-    const char* n3;
-    qint64 fixedPartCents;
-    qint64 players;
-    int month, day;  // in the season's first year (autumn) or second
-};
-
-void fillImportedCompetitions(Store& s, int season) {
-    const QString digit = QString::number(season).right(1);
-    const DemoImported demo[] = {
-        {"00001", "FD", "CDCND", "CHAMPIONNAT DES CLUBS-NATIONAL", "CL13001",
-         "Bowling Club Phocéen", "4", "2", "0", 0, 0, 5, 27},
-        {"00002", "FD", "CDCNH", "CHAMPIONNAT DES CLUBS-NATIONAL", "CL13001",
-         "Bowling Club Phocéen", "6", "0", "1", 0, 0, 5, 27},
-        {"00003", "FD", "CDCND", "CHAMPIONNAT DES CLUBS-NATIONAL", "CL75001", "Paris Quilles Club",
-         "0", "0", "0", 0, 0, 5, 27},
-        {"00004", "FD", "CDCNH", "CHAMPIONNAT DES CLUBS-NATIONAL", "CL75001", "Paris Quilles Club",
-         "3", "3", "3", 0, 0, 5, 27},
-        {"00005", "FD", "CDCND", "CHAMPIONNAT DES CLUBS-NATIONAL", "CL99999", "Club inconnu", "5",
-         "0", "0", 0, 0, 5, 27},
-        {"00001", "PR", "PRIVE", "Tournoi d'automne du Prado", "BOW0131", "BOW0131", "", "", "",
-         5000, 24, 10, 12},
-        {"00002", "PR", "PRIVE", "Open de Bercy", "CL75001", "CL75001", "", "", "", 0, 40, 1, 16},
-        {"00003", "PR", "PRIVE", "Trophée du comité des Bouches-du-Rhône", "CD13", "CD013", "", "",
-         "", 3000, 0, 3, 6},
-        {"00004", "PR", "PRIVE", "Masters de la ligue Azur", "LR06", "LR06", "", "", "", 0, 0, 4,
-         3},
-        {"00005", "PR", "PRIVE", "Tournoi sans organisateur", "CL99999", "CL99999", "", "", "",
-         2000, 10, 2, 20},
-    };
-    for (const auto& d : demo) {
-        const bool championship = QString::fromUtf8(d.type) == QStringLiteral("FD");
-        const QDate date(d.month >= 9 ? season - 1 : season, d.month, d.day);
-        const QString organiser = QString::fromUtf8(d.organiser);
-        // A private competition's organiser kind: a club, a committee, a league.
-        const QString kind = organiser.startsWith(QStringLiteral("CL"))   ? QStringLiteral("C")
-                             : organiser.startsWith(QStringLiteral("CD")) ? QStringLiteral("D")
-                             : organiser.startsWith(QStringLiteral("LR")) ? QStringLiteral("R")
-                                                                          : QStringLiteral(" ");
-        s.insert("strcompetition",
-                 {{"c_index", digit + QString::fromUtf8(championship ? "FD" : "PR") +
-                                  QString::fromUtf8(d.number)},
-                  {"index_reference", competitions::kMasterReference},
-                  {"c_saison", QString::number(season)},
-                  {"c_type", QString::fromUtf8(d.type)},
-                  {"c_intitule", QString::fromUtf8(d.title)},
-                  {"c_formule", "00"},
-                  {"c_nature", QString::fromUtf8(d.nature)},
-                  {"c_codification", QString::fromUtf8(d.codification)},
-                  {"c_cod1", championship ? QString() : QStringLiteral("NATDM")},
-                  {"c_cod2", championship ? QString() : QString::fromUtf8(d.number)},
-                  {"c_cod3", QString::fromUtf8(d.n1)},
-                  {"c_cod4", QString::fromUtf8(d.n2)},
-                  {"c_cod5", QString::fromUtf8(d.n3)},
-                  {"c_date_finale", format::displayDate(date)},
-                  {"c_tri_finale", format::sortDate(date)},
-                  {"c_dept", "00"},
-                  {"c_num_bowling", "000"},
-                  {"c_organisateur", championship ? QStringLiteral("C") : kind},
-                  {"c_nom_organisateur", championship ? organiser : QString()},
-                  {"c_arbitre", "NC"},
-                  {"c_nb_equipe_eliminatoire", d.fixedPartCents},
-                  {"c_nb_equipe_finale", d.players},
-                  {"c_date_enreg", format::displayDate(QDate(season - 1, 9, 1))},
-                  {"c_date_modif", format::displayDate(QDate(season - 1, 9, 1))},
-                  {"c_facture", competitions::kOpenState},
-                  {"c_nat_fact", "C"},
-                  {"c_fact_ligne", "N"},
-                  {"c_fact_engagement", "N"},
-                  {"c_envoi_mail", "N"},
-                  {"c_add_tiers", "N"}});
-    }
 }
 
 void writeSettings(const QString& dir) {
@@ -709,7 +506,7 @@ void createDemoInstallation(const QString& dir, const QDate& today, const QStrin
             {{"c_intitule", QStringLiteral("Licence Saison %1-%2").arg(season - 1).arg(season)}},
             QStringLiteral("c_index = ?"), {competitions::kLicenceIndex});
         invoicing::createDemoInvoices(*store, today);
-        fillCompetitions(*store, season);
+        fillCompetitions(*store, season, today);
         fillImportedCompetitions(*store, season);
         tx.commit();
     }

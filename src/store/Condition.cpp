@@ -13,7 +13,37 @@ QString asTerm(const QString& sql) {
     return sql.contains(orWord) ? QStringLiteral("(") + sql + QStringLiteral(")") : sql;
 }
 
+// The lower-case letters French names and titles carry beyond A to Z, each
+// beside its capital.
+constexpr char16_t kAccented[][2] = {
+    {u'à', u'À'}, {u'â', u'Â'}, {u'ä', u'Ä'}, {u'á', u'Á'}, {u'ã', u'Ã'}, {u'å', u'Å'},
+    {u'æ', u'Æ'}, {u'ç', u'Ç'}, {u'é', u'É'}, {u'è', u'È'}, {u'ê', u'Ê'}, {u'ë', u'Ë'},
+    {u'í', u'Í'}, {u'ì', u'Ì'}, {u'î', u'Î'}, {u'ï', u'Ï'}, {u'ñ', u'Ñ'}, {u'ó', u'Ó'},
+    {u'ò', u'Ò'}, {u'ô', u'Ô'}, {u'ö', u'Ö'}, {u'õ', u'Õ'}, {u'œ', u'Œ'}, {u'ú', u'Ú'},
+    {u'ù', u'Ù'}, {u'û', u'Û'}, {u'ü', u'Ü'}, {u'ý', u'Ý'}, {u'ÿ', u'Ÿ'}};
+
 }  // namespace
+
+QString caselessSql(const QString& expression) {
+    QString sql = expression;
+    for (const auto& pair : kAccented)
+        sql = QStringLiteral("replace(%1, '%2', '%3')")
+                  .arg(sql, QString(QChar(pair[0])), QString(QChar(pair[1])));
+    return QStringLiteral("upper(") + sql + QStringLiteral(")");
+}
+
+QString caselessText(const QString& text) {
+    QString out = text;
+    for (QChar& c : out) {
+        if (c >= u'a' && c <= u'z') {
+            c = QChar(c.unicode() - u'a' + u'A');
+            continue;
+        }
+        for (const auto& pair : kAccented)
+            if (c == QChar(pair[0])) c = QChar(pair[1]);
+    }
+    return out;
+}
 
 Condition::Condition(QString sql, Params params)
     : m_sql(std::move(sql)), m_params(std::move(params)) {}

@@ -43,4 +43,11 @@ struct Query {
     Query sortedBy(const QString& column, bool descending) const;
 };
 
+// Texts compared without regard to case, accented letters included, alike on
+// both engines: SQL's upper() folds only A to Z on SQLite, and on PostgreSQL
+// under the C locale. `caselessSql` wraps a column or expression, and
+// `caselessText` folds the value bound against it the same way.
+QString caselessSql(const QString& expression);
+QString caselessText(const QString& text);
+
 }  // namespace orve::store

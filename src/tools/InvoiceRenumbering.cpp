@@ -26,7 +26,7 @@ QString lastInvoiceNumber(const store::Store& store) {
 
 QString RenumberingResult::message() const {
     return kProcessingDone +
-           QStringLiteral(" : la prochaine facture portera le N° %1.").arg(nextNumber);
+           QStringLiteral("\nLa prochaine facture portera le N° %1.").arg(nextNumber);
 }
 
 RenumberingResult renumberInvoices(store::Store& store, const QString& typedNext,

@@ -184,9 +184,13 @@ std::vector<MailFlag> mailFlagsToCopy(const Store& s) {
     return out;
 }
 
-const Condition kChallengeToTransfer(
-    QStringLiteral("ent_fact_competition = ? AND (ent_compta IS NULL OR ent_compta <> 'N')"),
-    {kChallengeTitle});
+// Every header of the challenge, whatever its transfer mark, its title
+// written in any case.
+Condition challengeHeaders() {
+    return Condition(store::caselessSql(QStringLiteral("trim(ent_fact_competition)")) +
+                         QStringLiteral(" = ?"),
+                     {store::caselessText(kChallengeTitle)});
+}
 
 }  // namespace
 
@@ -366,17 +370,17 @@ Changes copyMailFlagsToCompetitions(Store& store) {
 }
 
 QStringList spyInvoiceLines(const Store& store) {
+    // A pseudo-competition carries no invoice number, so each of its lines is
+    // reported too: the rule is the federation's, its lines included.
     struct Competition {
         QString invoice;
-        bool pseudo = false;
     };
     QHash<QString, Competition> competitions;
-    for (const auto& r : store.select(QStringLiteral(
-             "SELECT c_index, c_num_facture, c_facture FROM strcompetition ORDER BY rowid"))) {
+    for (const auto& r : store.select(
+             QStringLiteral("SELECT c_index, c_num_facture FROM strcompetition ORDER BY rowid"))) {
         const QString key = r.value(0).toString().trimmed().toUpper();
         auto& c = competitions[key];
         if (c.invoice.isEmpty()) c.invoice = r.value(1).toString().trimmed();
-        c.pseudo = c.pseudo || r.value(2).toString().trimmed() == QStringLiteral("X");
     }
     QStringList report;
     for (const auto& r : store.select(
@@ -388,8 +392,8 @@ QStringList spyInvoiceLines(const Store& store) {
         if (c == competitions.constEnd()) {
             report << QStringLiteral("index inconnu : %1 (facture %2, ligne %3)")
                           .arg(index, invoice, r.value(1).toString().trimmed());
-        } else if (!c->pseudo && (c->invoice.isEmpty() || format::leadingNumber(c->invoice) !=
-                                                              format::leadingNumber(invoice))) {
+        } else if (c->invoice.isEmpty() ||
+                   format::leadingNumber(c->invoice) != format::leadingNumber(invoice)) {
             report << QStringLiteral("ligne mal affectée : ") + invoice +
                           QStringLiteral(" au lieu de ") + c->invoice;
         }
@@ -432,15 +436,16 @@ QStringList duplicateInvoiceNumbers(const Store& store) {
 
 Changes countChallengeInvoices(const Store& store) {
     Changes c;
-    c.headers = countWhere(store, QStringLiteral("strentete"), kChallengeToTransfer);
+    c.headers = countWhere(store, QStringLiteral("strentete"), challengeHeaders());
     return c;
 }
 
 Changes retransferChallengeInvoices(Store& store) {
     store::Transaction tx(store);
     Changes c;
-    c.headers = store.update(QStringLiteral("strentete"), {{"ent_compta", "N"}},
-                             kChallengeToTransfer.sql(), kChallengeToTransfer.params());
+    const Condition challenge = challengeHeaders();
+    c.headers = store.update(QStringLiteral("strentete"), {{"ent_compta", "N"}}, challenge.sql(),
+                             challenge.params());
     tx.commit();
     return c;
 }

@@ -16,7 +16,7 @@ QString NewSeasonResult::message() const {
                               : there == 1 ? QStringLiteral("1 existait déjà")
                                            : QStringLiteral("%1 existaient déjà").arg(there);
     return kProcessingDone +
-           QStringLiteral(" : saison %1, %2, %3.").arg(season).arg(madeText, thereText);
+           QStringLiteral("\nSaison %1 : %2, %3.").arg(season).arg(madeText, thereText);
 }
 
 int proposedSeason(int workingSeason) { return workingSeason + 1; }

@@ -145,7 +145,11 @@ TEST(CompetitionRegister, RevalidationKeepsRowsAndSwitchesKinds) {
            {phoceen});
     r.title = QStringLiteral("Coupe renommée");
     r.billLines = false;
+    r.codes = {"", "", "DE", "D13", ""};
     EXPECT_EQ(saveCompetition(s, kLeague06, r).partyRows, 5);
+    // The codifications by which the statistics count it, on every row.
+    EXPECT_EQ(loadCompetition(s, r.index).codes, r.codes);
+    EXPECT_EQ(column(s, phoceen, "c_cod3") + column(s, phoceen, "c_cod4"), "DED13");
     EXPECT_EQ(rows(s, r.index).size(), 5);
     EXPECT_TRUE(rows(s, r.index).contains(phoceen + "|CL13001 - Bowling Club Phocéen|C|3/2/0"));
     EXPECT_EQ(column(s, phoceen, "c_num_facture"), "77");

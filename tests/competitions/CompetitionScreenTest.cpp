@@ -190,13 +190,29 @@ TEST(CompetitionScreen, ValidationAsksForTheCardThenBuildsTheClubRowsOfTheLeague
     app::DataGrid* parties = w.grid("DBGrid10");
     EXPECT_EQ(parties->rowCount(), clubs);
     EXPECT_EQ(parties->value(0, "c_organisateur").toString(), "C");
-    // The card stays on the competition, which may still be changed.
-    EXPECT_TRUE(child<QPushButton>(&w.screen, "CmdValideCompet")->isEnabled());
+    // The card stays on the competition, validated until it changes again.
+    auto* validate = child<QPushButton>(&w.screen, "CmdValideCompet");
+    EXPECT_FALSE(validate->isEnabled());
     EXPECT_TRUE(w.box("txt_saison")->isReadOnly());
     EXPECT_TRUE(w.grid("DBGrid3")->isVisibleTo(&w.screen));
 
+    // A club joins the league: validated again, its row comes last by key but
+    // the parties are listed by name.
+    session->store().insert("strclub", {{"club_code", "CL06000"},
+                                        {"club_nom", "Antibes Quilles"},
+                                        {"club_region", "LR06"},
+                                        {"club_dept", "006"}});
+    w.click("Option5_1");
+    EXPECT_TRUE(validate->isEnabled());
+    w.click("CmdValideCompet");
+    ASSERT_TRUE(dialogs.shown().empty()) << next(dialogs);
+    EXPECT_EQ(parties->rowCount(), clubs + 1);
+    EXPECT_TRUE(parties->value(0, "c_nom_organisateur").toString().startsWith("CL06000"));
+    EXPECT_GT(parties->value(0, "c_index").toString(), parties->value(1, "c_index").toString());
+
     // Switching to committees replaces the club rows by the league's committees.
     w.click("Option3_1");
+    EXPECT_TRUE(validate->isEnabled());
     w.click("CmdValideCompet");
     ASSERT_TRUE(dialogs.shown().empty()) << next(dialogs);
     EXPECT_EQ(w.box("txt_index")->text(), index);
@@ -277,6 +293,14 @@ TEST(CompetitionScreen, TypedCountsAreWrittenOrRefusedByNameAndCalculationNeedsA
     w.click("Cmdfacture");
     EXPECT_EQ(next(dialogs), "Confirmez-vous vouloir générer les 1 factures affichées ?");
     EXPECT_FALSE(child<QGroupBox>(&w.screen, "Frame3")->isVisibleTo(&w.screen));
+
+    // Chosen again from the list, unchanged, it opens for changes: it is
+    // validated before it is calculated.
+    app::DataGrid* list = w.grid("DBGrid1");
+    list->choose(rowOf(list, w.box("txt_index")->text()));
+    EXPECT_TRUE(child<QPushButton>(&w.screen, "CmdValideCompet")->isEnabled());
+    w.click("Cmdcalcul");
+    EXPECT_EQ(next(dialogs), "Vous devez d'abord valider cette compétition");
     EXPECT_TRUE(dialogs.failure().isEmpty()) << dialogs.failure().toStdString();
 }
 
@@ -323,7 +347,7 @@ TEST(CompetitionScreen, AnInvoicedCompetitionIsFrozenOrClosed) {
     EXPECT_EQ(w->box("txt_intitule")->text(), "Coupe des quadrettes");
     EXPECT_EQ(w->grid("DBGrid10")->rowCount(), parties);
     EXPECT_EQ(w->grid("DBGrid10")->value(0, "c_facture").toString().trimmed(), "");
-    EXPECT_TRUE(child<QPushButton>(&w->screen, "CmdValideCompet")->isEnabled());
+    EXPECT_FALSE(child<QPushButton>(&w->screen, "CmdValideCompet")->isEnabled());
 
     // Closed: the master itself is invoiced.
     session->store().exec("UPDATE strcompetition SET c_facture = 'F' WHERE c_index = ?", {index});

@@ -206,9 +206,12 @@ TEST(NationalInvoicing, LinesAndPartiesByPrefix) {
     EXPECT_EQ(describe(privateLines(row, euros("2"))),
               QStringList({"99999992|Calendrier : Frais Fixe|1|4550|4550",
                            "99999993|Participation par joueur|12|200|2400"}));
+    // A zero fixed part or no player still makes its line.
     row.fixedPart = Money();
+    row.players = 0;
     EXPECT_EQ(describe(privateLines(row, euros("2"))),
-              QStringList{"99999993|Participation par joueur|12|200|2400"});
+              QStringList({"99999992|Calendrier : Frais Fixe|1|0|0",
+                           "99999993|Participation par joueur|0|200|0"}));
 
     test::TestInstall inst;
     auto session = inst.start();
@@ -350,10 +353,12 @@ TEST(NationalInvoicing, PrivateInvoicedWithTheCentresInvoicingAddress) {
                            "ent_clt_lib=SAS Loisirs Marseille", "ent_fact_echeance=15/12/2026",
                            "ent_montant=9800"}));
     EXPECT_EQ(storedLines(s, "2027000007"),
-              QStringList{"01|99999993|Participation par joueur|40|200|8000|PRIVE|7PR00002|"
-                          "CL75001"});
+              QStringList({"01|99999992|Calendrier : Frais Fixe|1|0|0|PRIVE|7PR00002|CL75001",
+                           "02|99999993|Participation par joueur|40|200|8000|PRIVE|7PR00002|"
+                           "CL75001"}));
     EXPECT_EQ(storedLines(s, "2027000008"),
-              QStringList{"01|99999992|Calendrier : Frais Fixe|1|3000|3000|PRIVE|7PR00003|CD013"});
+              QStringList({"01|99999992|Calendrier : Frais Fixe|1|3000|3000|PRIVE|7PR00003|CD013",
+                           "02|99999993|Participation par joueur|0|200|0|PRIVE|7PR00003|CD013"}));
     EXPECT_TRUE(QFile::exists(QDir(settings.invoiceFolder).filePath("BOW0131_FN_2027000006.pdf")));
     EXPECT_EQ(rowValue(s, "7PR00004", "c_facture"), " ");
 

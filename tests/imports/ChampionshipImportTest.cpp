@@ -80,8 +80,8 @@ TEST(ChampionshipImport, EachClubGivesTwoConsecutiveCompetitionsAfterTheHighestO
     EXPECT_EQ(row.value("c_num_bowling").toString(), "000");
     EXPECT_EQ(row.value("c_organisateur").toString(), "C");
     EXPECT_EQ(row.value("c_arbitre").toString(), "NC");
-    EXPECT_EQ(row.value("c_date_enreg").toString(), "21/11/2026");
-    EXPECT_EQ(row.value("c_date_modif").toString(), "21/11/2026");
+    EXPECT_EQ(row.value("c_date_enreg").toString(), "01/12/2017");
+    EXPECT_EQ(row.value("c_date_modif").toString(), "01/12/2017");
     EXPECT_EQ(row.value("c_facture").toString(), " ");
     EXPECT_EQ(row.value("c_nat_fact").toString(), "C");
     EXPECT_EQ(row.value("c_fact_ligne").toString(), "N");

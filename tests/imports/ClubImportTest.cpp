@@ -48,7 +48,7 @@ TEST(ClubImport, AHeaderAloneImportsNothingAndStillEndsTheTreatment) {
     const QStringList before = test::tableRows(session->store(), "strclub", "club_code");
     const ImportReport r = importClubs(session->store(), kHeader, inst.today());
     EXPECT_EQ(r.closing(kProcessingDone),
-              "Traitement termine. Lignes lues : 0 ; créations : 0 ; mises à jour : 0 ; lignes "
+              "Traitement termine\nLignes lues : 0 ; créations : 0 ; mises à jour : 0 ; lignes "
               "ignorées : 0.");
     EXPECT_EQ(test::tableRows(session->store(), "strclub", "club_code"), before);
 }

@@ -182,7 +182,7 @@ TEST(ImportRobustness, OrveBatchPrintsTheReportAndRefusesAFileItCannotRead) {
                      "« 2027;TP;13;x;;01/03/27;T »"))
         << out.toStdString();
     EXPECT_TRUE(
-        out.endsWith("Traitement termine. Lignes lues : 2 ; créations : 1 ; mises à jour "
+        out.endsWith("Traitement termine\nLignes lues : 2 ; créations : 1 ; mises à jour "
                      ": 0 ; lignes ignorées : 1.\n"))
         << out.toStdString();
     // Again without --doublons: the question is answered no.

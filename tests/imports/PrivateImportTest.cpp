@@ -40,9 +40,10 @@ TEST(PrivateImport, NumberingContinuesAfterTheHighestIndexOfEachPrefix) {
     import.check(test::importText(line("2027", "1", "05/03/27", "CL13001 Bowling Club Phocéen") +
                                   line("2026", "2", "05/03/2026", "CD13 - Comité des Bouches") +
                                   line("2027", "3", "5/3/2027", "LR06 Ligue") +
-                                  line("2027", "4", "05/03/27", "Mairie de Cassis", "", "")));
+                                  line("2027", "4", "05/03/27", "Mairie de Cassis", "", "") +
+                                  line("2027", "5", "05/03/27", "en plus;CL13003 Strike")));
     const ImportReport r = import.write(false);
-    EXPECT_EQ(r.created, 4);
+    EXPECT_EQ(r.created, 5);
     EXPECT_EQ(column(s, "7PR00042", "c_cod2"), "00001");
     EXPECT_EQ(column(s, "6PR00001", "c_cod2"), "00002");
     EXPECT_EQ(column(s, "7PR00043", "c_cod2"), "00003");
@@ -74,6 +75,9 @@ TEST(PrivateImport, NumberingContinuesAfterTheHighestIndexOfEachPrefix) {
     EXPECT_EQ(column(s, "7PR00043", "c_organisateur"), "R");
     EXPECT_EQ(column(s, "7PR00044", "c_organisateur"), " ");
     EXPECT_EQ(column(s, "7PR00044", "c_codification"), " ");
+    // A line with a field too many: the organiser is still after its last ";".
+    EXPECT_EQ(column(s, "7PR00045", "c_organisateur"), "C");
+    EXPECT_EQ(column(s, "7PR00045", "c_codification"), "CL13003");
     // Players and the fixed part (in cents) for the private invoicing.
     EXPECT_EQ(column(s, "7PR00042", "c_nb_equipe_finale"), "24");
     EXPECT_EQ(column(s, "7PR00042", "c_nb_equipe_eliminatoire"), "8000");
@@ -83,7 +87,7 @@ TEST(PrivateImport, NumberingContinuesAfterTheHighestIndexOfEachPrefix) {
     PrivateImport later(s);
     later.check(test::importText(line("2027", "9", "01/06/27", "CL13002 Aix")));
     later.write(false);
-    EXPECT_EQ(column(s, "7PR00045", "c_cod2"), "00009");
+    EXPECT_EQ(column(s, "7PR00046", "c_cod2"), "00009");
 }
 
 TEST(PrivateImport, BadLinesAreNamedAndDuplicatesAsked) {

@@ -69,6 +69,7 @@ TEST(InvoiceParties, ListsOfferedToEachOperator) {
     };
     EXPECT_EQ(names("re"), (QStringList{"LEBRETON Anaïs", "MOREAU Denis", "RENAUD Margaux"}));
     EXPECT_EQ(names("%re"), QStringList{"RENAUD Margaux"});
+    EXPECT_EQ(names("%Renaud"), QStringList{"RENAUD Margaux"});
     EXPECT_EQ(names("%"), names(""));
     EXPECT_EQ(names("%").size(), 16);
     // The operator's "_" and "%" are letters, not wildcards.

@@ -84,6 +84,11 @@ TEST(SelectionFilter, EachFilterRestrictsTheCompetitions) {
     EXPECT_EQ(kept(s, buildSelectionCondition(name)), "FD700001");
     name.organiserName = "O'Brien";
     EXPECT_EQ(kept(s, buildSelectionCondition(name)), "FD700003");
+    // Accented letters compare without regard to case too, on both engines.
+    name.organiserName = "COMITÉ";
+    EXPECT_EQ(kept(s, buildSelectionCondition(name)), "FD700002");
+    name.organiserName = "%comité des";
+    EXPECT_EQ(kept(s, buildSelectionCondition(name)), "FD700002");
 
     SelectionState codes = st;
     codes.codes[0] = "CUM";

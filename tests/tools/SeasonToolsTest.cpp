@@ -69,7 +69,7 @@ TEST(NewSeason, RefusesEarlyYearsCopiesEachNumberOnceAndNeverTwice) {
     const NewSeasonResult first = setUpSeason(s, "2029", inst.today());
     EXPECT_EQ(first.created, (QStringList{"9FA00000", "9FA00001", "9FA00005", "9FA00006"}));
     EXPECT_EQ(first.message(),
-              "Traitement termine : saison 2029, 4 pseudo-compétitions créées, aucune n'existait "
+              "Traitement termine\nSaison 2029 : 4 pseudo-compétitions créées, aucune n'existait "
               "déjà.");
     EXPECT_EQ(rows(s, "SELECT COUNT(*) FROM strcompetition"), before + 4);
     EXPECT_EQ(
@@ -87,13 +87,13 @@ TEST(NewSeason, RefusesEarlyYearsCopiesEachNumberOnceAndNeverTwice) {
     const NewSeasonResult second = setUpSeason(s, "2029", inst.today());
     EXPECT_TRUE(second.created.isEmpty());
     EXPECT_EQ(second.message(),
-              "Traitement termine : saison 2029, aucune pseudo-compétition créée, 4 existaient "
+              "Traitement termine\nSaison 2029 : aucune pseudo-compétition créée, 4 existaient "
               "déjà.");
     s.exec("DELETE FROM strcompetition WHERE c_index = '9FA00005'");
     const NewSeasonResult third = setUpSeason(s, "2029", inst.today());
     EXPECT_EQ(third.created, QStringList{"9FA00005"});
     EXPECT_EQ(third.message(),
-              "Traitement termine : saison 2029, 1 pseudo-compétition créée, 3 existaient déjà.");
+              "Traitement termine\nSaison 2029 : 1 pseudo-compétition créée, 3 existaient déjà.");
 
     // Ten years apart the index is the same: what counts is the season.
     const NewSeasonResult next = setUpSeason(s, "2028", inst.today());
@@ -116,7 +116,7 @@ TEST(InvoiceRenumbering, RefusesNumbersNotAboveTheLastAndTheNextInvoiceTakesTheT
 
     const RenumberingResult r = renumberInvoices(s, "2028000001", inst.today());
     EXPECT_EQ(r.placeholder, "2028000000");
-    EXPECT_EQ(r.message(), "Traitement termine : la prochaine facture portera le N° 2028000001.");
+    EXPECT_EQ(r.message(), "Traitement termine\nLa prochaine facture portera le N° 2028000001.");
     const auto placeholder = s.selectOne(
         "SELECT ent_fact_lib, ent_fact_date, ent_fact_tri, ent_envoi_mail, "
         "ent_compta, ent_tiers_fact, ent_c_index FROM strentete "

@@ -157,7 +157,7 @@ TEST(ToolScreens, TheSeasonWindowsTakeDigitsOnlyAndSayWhatTheyDid) {
     year->setText("2028");
     emit year->returnPressed();
     EXPECT_EQ(dialogs.takeShown(),
-              "Traitement termine : saison 2028, 4 pseudo-compétitions créées, aucune n'existait "
+              "Traitement termine\nSaison 2028 : 4 pseudo-compétitions créées, aucune n'existait "
               "déjà.");
 
     ORVE_out_newnumero numbering(*session, dialogs);
@@ -176,7 +176,7 @@ TEST(ToolScreens, TheSeasonWindowsTakeDigitsOnlyAndSayWhatTheyDid) {
     next->setText("2028000001");
     child<QPushButton>(&numbering, "cmdvalide")->click();
     EXPECT_EQ(dialogs.takeShown(),
-              "Traitement termine : la prochaine facture portera le N° 2028000001.");
+              "Traitement termine\nLa prochaine facture portera le N° 2028000001.");
     EXPECT_EQ(last->text(), "2028000000");
     EXPECT_TRUE(next->text().isEmpty());
     EXPECT_TRUE(dialogs.shown().empty());

@@ -28,14 +28,14 @@ TEST(ToolsBatch, SeasonRenumberingAndToolsFromAShell) {
     EXPECT_EQ(err.trimmed(), "année incorrecte !!!");
     ASSERT_EQ(batch({"saison", "2028"}), 0) << err.toStdString();
     EXPECT_EQ(out.trimmed(),
-              "Traitement termine : saison 2028, 4 pseudo-compétitions créées, aucune n'existait "
+              "Traitement termine\nSaison 2028 : 4 pseudo-compétitions créées, aucune n'existait "
               "déjà.");
 
     EXPECT_EQ(batch({"renumeroter", "2027O00001"}), 1);
     EXPECT_TRUE(err.contains("chiffres seulement")) << err.toStdString();
     ASSERT_EQ(batch({"renumeroter", "2028000001"}), 0) << err.toStdString();
     EXPECT_TRUE(
-        out.endsWith("Traitement termine : la prochaine facture portera le N° "
+        out.endsWith("Traitement termine\nLa prochaine facture portera le N° "
                      "2028000001.\n"))
         << out.toStdString();
 

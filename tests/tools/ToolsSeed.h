@@ -117,9 +117,10 @@ inline void legacyData(store::Store& s, const QString& invoiceFolder) {
         "AND f_num_lig = '01'");
     invoice(s, "2015000001", "00023000", 1);
     invoice(s, "2015000002", "00023001", 1, {{"ent_envoi_mail", "O"}});
-    // The national challenge: two to transfer again, one already waiting.
-    for (const char* n : {"2014000130", "2014000131"})
-        invoice(s, n, kPseudoMisc, 1, {{"ent_fact_competition", "CHALLENGE FÉDÉRAL"}});
+    // The national challenge: two to transfer again (one titled by hand in
+    // small letters), one already waiting.
+    invoice(s, "2014000130", kPseudoMisc, 1, {{"ent_fact_competition", "CHALLENGE FÉDÉRAL"}});
+    invoice(s, "2014000131", kPseudoMisc, 1, {{"ent_fact_competition", "Challenge fédéral "}});
     invoice(s, "2014000132", kPseudoMisc, 1,
             {{"ent_fact_competition", "CHALLENGE FÉDÉRAL"}, {"ent_compta", "N"}});
     // One number written twice, once with a leading zero.

@@ -393,7 +393,9 @@ QStringList scenarioWords(const QString& line) {
         const QChar ch = line[i];
         if (inQuotes) {
             if (ch == '\\' && i + 1 < line.size()) {
-                current += line[++i];
+                // \n is a line break, as messages with a second line have.
+                const QChar next = line[++i];
+                current += next == 'n' ? QChar('\n') : next;
             } else if (ch == '"') {
                 inQuotes = false;
             } else {

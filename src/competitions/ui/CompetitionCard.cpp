@@ -54,6 +54,17 @@ QGroupBox* optionFrame(QWidget* parent, const char* frameName, const QString& ti
     return frame;
 }
 
+// A code kept on a competition stays shown even when its list no longer has it.
+void showCode(QComboBox* box, const QString& code) {
+    const QString wanted = code.trimmed().isEmpty() ? QStringLiteral(" ") : code.trimmed();
+    int at = box->findText(wanted);
+    if (at < 0) {
+        box->addItem(wanted);
+        at = box->count() - 1;
+    }
+    box->setCurrentIndex(at);
+}
+
 }  // namespace
 
 CompetitionCard::CompetitionCard(QWidget* parent)
@@ -116,8 +127,19 @@ CompetitionCard::CompetitionCard(QWidget* parent)
     date->addStretch(1);
     form->addWidget(label(this, QStringLiteral("Date de la compétition :")), 4, 0, Qt::AlignRight);
     form->addLayout(date, 4, 1);
+    auto* codes = new QHBoxLayout;
+    for (int i = 0; i < 5; ++i) {
+        m_codes[i] = new QComboBox(this);
+        m_codes[i]->setObjectName(QStringLiteral("cbo_cod%1").arg(i + 1));
+        m_codes[i]->setMinimumWidth(64);
+        m_codes[i]->setToolTip(QStringLiteral("Codification %1").arg(i + 1));
+        codes->addWidget(m_codes[i]);
+    }
+    codes->addStretch(1);
+    form->addWidget(label(this, QStringLiteral("Codifications :")), 5, 0, Qt::AlignRight);
+    form->addLayout(codes, 5, 1);
     form->setColumnStretch(1, 1);
-    form->setRowStretch(5, 1);
+    form->setRowStretch(6, 1);
 
     m_billedKindText = box(this, "txt_nat_fact", 30, true);
     m_entryText = box(this, "txt_fact_engagement", 30, true);
@@ -166,6 +188,15 @@ CompetitionCard::CompetitionCard(QWidget* parent)
                     [text, value] { text->setText(value); });
         }
     }
+    // Whatever the operator changes may need validating again.
+    for (QLineEdit* b : {m_season, m_title, m_date, m_eliminatoryLines, m_finalLines})
+        connect(b, &QLineEdit::textEdited, this, &CompetitionCard::edited);
+    for (QComboBox* c : {m_natures, m_compositions})
+        connect(c, &QComboBox::activated, this, &CompetitionCard::edited);
+    for (QComboBox* c : m_codes) connect(c, &QComboBox::activated, this, &CompetitionCard::edited);
+    for (const auto* buttons : {&m_billedKind, &m_entry, &m_lines})
+        for (QRadioButton* b : *buttons)
+            connect(b, &QRadioButton::clicked, this, &CompetitionCard::edited);
     for (QLineEdit* count : {m_eliminatoryLines, m_finalLines}) {
         count->installEventFilter(this);
         connect(count, &QLineEdit::editingFinished, this,
@@ -176,6 +207,16 @@ CompetitionCard::CompetitionCard(QWidget* parent)
 
 void CompetitionCard::setNatures(const app::ListItems& natures) {
     app::fillItems(m_natures, natures);
+}
+
+void CompetitionCard::setCodifications(const std::array<QStringList, 5>& values) {
+    for (int i = 0; i < 5; ++i) {
+        const QString shown = m_codes[i]->currentText();
+        m_codes[i]->clear();
+        m_codes[i]->addItem(QStringLiteral(" "));
+        m_codes[i]->addItems(values[i]);
+        showCode(m_codes[i], shown);
+    }
 }
 
 bool CompetitionCard::eventFilter(QObject* watched, QEvent* event) {
@@ -193,7 +234,7 @@ bool CompetitionCard::modified() const {
     const auto fields = [](const CompetitionRecord& r) {
         return std::make_tuple(r.season, r.title, r.composition, r.nature, r.billedKind,
                                r.billEntry, r.billLines, r.eliminatoryLines, r.finalLines,
-                               competitionSortKey(r.date));
+                               competitionSortKey(r.date), r.codes);
     };
     return fields(now) != fields(m_shown);
 }
@@ -237,6 +278,7 @@ void CompetitionCard::showRecord(const CompetitionRecord& record) {
     m_linesText->setText(record.billLines ? kYes : kNo);
     m_eliminatoryLines->setText(record.eliminatoryLines);
     m_finalLines->setText(record.finalLines);
+    for (int i = 0; i < 5; ++i) showCode(m_codes[i], record.codes[i]);
     showOptions();
     m_shown = this->record();
     m_new = false;
@@ -271,6 +313,7 @@ CompetitionRecord CompetitionCard::record() const {
     r.eliminatoryLines = lineCountText(m_eliminatoryLines->text());
     r.finalLines = lineCountText(m_finalLines->text());
     r.date = m_date->displayText();
+    for (int i = 0; i < 5; ++i) r.codes[i] = m_codes[i]->currentText().trimmed();
     return r;
 }
 

@@ -22,6 +22,8 @@ class CompetitionCard : public QGroupBox {
 
     // "Choisir" then "code # label" for each nature.
     void setNatures(const app::ListItems& natures);
+    // The values of the five codification lists, each offered after a blank.
+    void setCodifications(const std::array<QStringList, 5>& values);
 
     void showRecord(const CompetitionRecord& record);
     // A new competition: the defaults of an entry, in the given season.
@@ -38,6 +40,10 @@ class CompetitionCard : public QGroupBox {
     // Whether the card differs from the competition last shown (a new one
     // always does until it is validated).
     bool modified() const;
+
+  signals:
+    // The operator changed something on the card.
+    void edited();
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -66,6 +72,7 @@ class CompetitionCard : public QGroupBox {
     QLineEdit* m_linesText;
     QLineEdit* m_eliminatoryLines;
     QLineEdit* m_finalLines;
+    std::array<QComboBox*, 5> m_codes{};  // cbo_cod1 to cbo_cod5
     CompetitionRecord m_shown;
     bool m_new = false;
 };

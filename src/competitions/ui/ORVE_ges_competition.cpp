@@ -21,6 +21,7 @@
 #include "competitions/ui/PriceFrame.h"
 #include "invoicing/DocumentSettings.h"
 #include "reference/Natures.h"
+#include "reference/ReferenceCodes.h"
 #include "store/Refusal.h"
 #include "store/Seasons.h"
 
@@ -150,6 +151,10 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
             &ORVE_ges_competition::chooseCompetition);
     connect(m_competitions, &app::DataGrid::loadFailed, this,
             [this](const QString& message) { m_dialogs.inform(message); });
+    connect(m_card, &CompetitionCard::edited, this, [this] {
+        // A validated card changed again must be validated again.
+        if (m_adding || m_modifying) m_validate->setEnabled(true);
+    });
     connect(m_add, &QPushButton::clicked, this, &ORVE_ges_competition::addCompetition);
     connect(m_validate, &QPushButton::clicked, this, &ORVE_ges_competition::validateCompetition);
     connect(m_cancel, &QPushButton::clicked, this, &ORVE_ges_competition::cancelEntry);
@@ -170,6 +175,10 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
             natures.push_back({n.code.trimmed(), n.label});
         }
         m_card->setNatures(natures);
+        std::array<QStringList, 5> codes;
+        for (int i = 0; i < 5; ++i)
+            codes[i] = reference::codificationValues(m_session.store(), i + 1);
+        m_card->setCodifications(codes);
         m_tariffs->load();
     });
     listCompetitions();
@@ -268,6 +277,10 @@ void ORVE_ges_competition::showBuilt(const ValidationOutcome& outcome) {
     }
     listCompetitions();
     showCompetition(outcome.index, false);
+    // Validated (or made complementary): nothing left to validate until the
+    // card changes, and the parties are listed by name for typing the counts.
+    m_validate->setEnabled(false);
+    app::guarded(m_dialogs, [&] { m_parties->showRows(partyRowsByNameQuery(outcome.index)); });
     // The competition stays chosen in the list without being read again.
     const QSignalBlocker quiet(m_competitions);
     m_competitions->storeModel()->fetchAll();
@@ -310,7 +323,9 @@ void ORVE_ges_competition::cancelEntry() {
     clearCompetition();
 }
 
-bool ORVE_ges_competition::stillOpen() const { return m_adding || m_card->modified(); }
+bool ORVE_ges_competition::stillOpen() const {
+    return m_adding || m_validate->isEnabled() || m_card->modified();
+}
 
 void ORVE_ges_competition::calculate() {
     const QString index = m_card->index();
