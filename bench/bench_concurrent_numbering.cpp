@@ -66,9 +66,9 @@ void measure(const char* label, const QString& home, int workstations, int each)
     for (int i = 0; i < workstations; ++i) {
         auto p = std::make_unique<QProcess>();
         p->setProcessEnvironment(environment());
-        p->start(kBatch, {QStringLiteral("--home"), home, QStringLiteral("--as"), QStringLiteral("gestu"),
-                          QStringLiteral("factures-essai"),
-                          QString::number(each)});
+        p->start(kBatch,
+                 {QStringLiteral("--home"), home, QStringLiteral("--as"), QStringLiteral("gestu"),
+                  QStringLiteral("factures-essai"), QString::number(each)});
         runs.push_back(std::move(p));
     }
     static const QRegularExpression report(

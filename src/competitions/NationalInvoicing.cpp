@@ -126,9 +126,9 @@ std::vector<InvoiceLine> championshipLines(const BatchRow& row, Money linePrice)
 // Both lines always, a zero one included: the federation's private invoice
 // shows the fixed part and the players side by side.
 std::vector<InvoiceLine> privateLines(const BatchRow& row, Money playerPrice) {
-    return {{kFixedPartArticle, QStringLiteral("Calendrier : Frais Fixe"), 1, row.fixedPart},
-            {kPlayerFeeArticle, QStringLiteral("Participation par joueur"), row.players,
-             playerPrice}};
+    return {
+        {kFixedPartArticle, QStringLiteral("Calendrier : Frais Fixe"), 1, row.fixedPart},
+        {kPlayerFeeArticle, QStringLiteral("Participation par joueur"), row.players, playerPrice}};
 }
 
 InvoiceParty codificationParty(const Store& store, const QString& codification,

@@ -3,8 +3,8 @@
 #include "invoicing/CreditNotes.h"
 #include "invoicing/InvoiceRecords.h"
 #include "store/Formats.h"
-#include "store/Seasons.h"
 #include "store/Refusal.h"
+#include "store/Seasons.h"
 
 namespace orve::invoicing {
 

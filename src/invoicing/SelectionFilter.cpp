@@ -151,8 +151,7 @@ SelectionLists loadSelectionLists(const store::Store& store, const QString& mode
                          r.value(1).toString().trimmed();
     l.departments = loadDepartments(store, kAll);
     for (int i = 0; i < 5; ++i) {
-        l.codes[i] << kAll << QStringLiteral(" ")
-                   << reference::codificationValues(store, i + 1);
+        l.codes[i] << kAll << QStringLiteral(" ") << reference::codificationValues(store, i + 1);
     }
     return l;
 }

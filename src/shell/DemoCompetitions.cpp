@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "competitions/CompetitionCalculation.h"
 #include "competitions/CompetitionInvoicing.h"
 #include "competitions/CompetitionRegister.h"
 #include "competitions/RowInvoicing.h"
@@ -41,24 +42,28 @@ struct DemoCompetition {
     bool invoiced = false;
 };
 
-// The invoices of a competition played earlier in the season, written as
-// its generation writes them, each row closed with its number; their
-// documents are not printed, as with the demo's other invoices.
+// The invoices of a competition played earlier in the season: its rows
+// calculated and invoiced as its generation does, each closed with its
+// number; mailed then, their documents are not printed here, as with the
+// demo's other invoices.
 void invoicePastCompetition(Store& s, const reference::Viewer& viewer, const QString& index,
                             const QDate& day, const QDate& today) {
     const competitions::CompetitionRecord c = competitions::loadCompetition(s, index);
     const auto tariff = [&](const QString& article) {
-        return Money::fromVariant(s.scalar(
-            QStringLiteral("SELECT t_tarif FROM strtarifsaison WHERE t_article = ? AND "
-                           "t_nature = ? ORDER BY t_saison DESC LIMIT 1"),
-            {article, c.nature}));
+        return Money::fromVariant(
+            s.scalar(QStringLiteral("SELECT t_tarif FROM strtarifsaison WHERE t_article = ? AND "
+                                    "t_nature = ? ORDER BY t_saison DESC LIMIT 1"),
+                     {article, c.nature}));
     };
     const competitions::InvoicingPrices prices{tariff(competitions::kEntryFeeArticle),
                                                tariff(competitions::kLineFeeArticle)};
-    for (const auto& r : s.select(competitions::partyRowsQuery(index))) {
+    // The rows the calculation marks, as the window would.
+    competitions::calculateCompetition(s, viewer, index, c.nature, false);
+    for (const auto& r : s.select(competitions::rowsToInvoiceQuery(index))) {
         const QString rowName = r.value("c_nom_organisateur").toString();
         const QString code = rowName.section(QStringLiteral(" - "), 0, 0).trimmed();
-        const bool league = r.value("c_organisateur").toString().trimmed() == competitions::kLeagues;
+        const bool league =
+            r.value("c_organisateur").toString().trimmed() == competitions::kLeagues;
         const competitions::PartyRowCounts counts{
             r.value("c_nb_equipe").toLongLong(), r.value("c_nb_equipe_eliminatoire").toLongLong(),
             r.value("c_nb_equipe_finale").toLongLong(), c.eliminatoryLines.toLongLong(),
@@ -67,6 +72,8 @@ void invoicePastCompetition(Store& s, const reference::Viewer& viewer, const QSt
             counts, c.nature, static_cast<int>(format::leadingNumber(c.composition)), c.billEntry,
             c.billLines, viewer.isNational(), c.title, prices);
         if (lines.empty()) continue;
+        Money total;
+        for (const auto& l : lines) total = total + l.amount();
         invoicing::InvoiceHeader h;
         h.dateText = format::displayDate(day);
         h.dueDateText = format::displayDate(day.addDays(30));
@@ -85,8 +92,14 @@ void invoicePastCompetition(Store& s, const reference::Viewer& viewer, const QSt
                   {"c_num_facture", number},
                   {"c_date_facture", format::displayDate(day)},
                   {"c_tri_facture", format::sortDate(day)},
-                  {"c_edt_fact", QStringLiteral("OUI")}},
+                  {"c_edt_fact", QStringLiteral("OUI")},
+                  {"c_envoi_mail", QStringLiteral("O")}},
                  QStringLiteral("c_index = ?"), {h.competitionIndex});
+        // Mailed when they were made; the transfer to accounting is still to do.
+        s.update(QStringLiteral("strentete"),
+                 {{"ent_montant", QVariant::fromValue<qint64>(total.cents())},
+                  {"ent_envoi_mail", QStringLiteral("O")}},
+                 QStringLiteral("ent_fact_no = ?"), {number});
     }
     competitions::closeCompetitionWhenInvoiced(s, index);
 }

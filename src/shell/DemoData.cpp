@@ -438,9 +438,9 @@ void fillArticlesAndNatures(Store& s, int season) {
     }
     for (const char* t : {"FD", "PR", "LI", "DV", "JO"}) s.insert("strtypec", {{"t_code", t}});
     const std::pair<const char*, const char*> codes[] = {
-        {"1", "CUM"}, {"1", "NAT"}, {"2", "DM"},  {"2", "DF"},  {"2", "MX"}, {"3", "DE"},
-        {"3", "IR"},  {"4", "R06"}, {"4", "R11"}, {"4", "R44"}, {"4", "D13"}, {"4", "D83"},
-        {"4", "ISE"}, {"5", "S1"},  {"5", "S2"}};
+        {"1", "CUM"}, {"1", "NAT"}, {"2", "DM"},  {"2", "DF"},  {"2", "MX"},
+        {"3", "DE"},  {"3", "IR"},  {"4", "R06"}, {"4", "R11"}, {"4", "R44"},
+        {"4", "D13"}, {"4", "D83"}, {"4", "ISE"}, {"5", "S1"},  {"5", "S2"}};
     for (const auto& [num, value] : codes)
         s.insert("strcodification", {{"p_num", num}, {"p_valeur", value}});
     s.insert("strmail", {{"mail_nom", "facture"},

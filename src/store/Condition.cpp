@@ -25,11 +25,8 @@ constexpr char16_t kAccented[][2] = {
 }  // namespace
 
 QString caselessSql(const QString& expression) {
-    QString sql = expression;
-    for (const auto& pair : kAccented)
-        sql = QStringLiteral("replace(%1, '%2', '%3')")
-                  .arg(sql, QString(QChar(pair[0])), QString(QChar(pair[1])));
-    return QStringLiteral("upper(") + sql + QStringLiteral(")");
+    // A function of the store's own on both engines, folding as caselessText.
+    return QStringLiteral("orve_pli(") + expression + QStringLiteral(")");
 }
 
 QString caselessText(const QString& text) {

@@ -45,8 +45,9 @@ struct Query {
 
 // Texts compared without regard to case, accented letters included, alike on
 // both engines: SQL's upper() folds only A to Z on SQLite, and on PostgreSQL
-// under the C locale. `caselessSql` wraps a column or expression, and
-// `caselessText` folds the value bound against it the same way.
+// under the C locale. `caselessSql` wraps a column or expression in the
+// store's orve_pli(), and `caselessText` folds the value bound against it
+// the same way.
 QString caselessSql(const QString& expression);
 QString caselessText(const QString& text);
 

@@ -1,9 +1,12 @@
 #include "store/Store.h"
 
+#include <sqlite3.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QStringList>
@@ -103,6 +106,35 @@ QSqlQuery runIn(const QSqlDatabase& db, const QString& path, const QString& sql,
     return q;
 }
 
+// orve_pli(text): the text folded as caselessText folds it. SQL's upper()
+// leaves accented letters alone, and nesting one replace() per letter
+// overflows SQLite's parser.
+void caselessFunction(sqlite3_context* context, int, sqlite3_value** args) {
+    if (sqlite3_value_type(args[0]) == SQLITE_NULL) {
+        sqlite3_result_null(context);
+        return;
+    }
+    const auto* text = static_cast<const char16_t*>(sqlite3_value_text16(args[0]));
+    const int bytes = sqlite3_value_bytes16(args[0]);
+    const QString folded = caselessText(QString::fromUtf16(text, bytes / 2));
+    sqlite3_result_text16(context, folded.utf16(), static_cast<int>(folded.size() * 2),
+                          SQLITE_TRANSIENT);
+}
+
+// Registered on the connection when Qt's driver uses the same SQLite library
+// as ours (Debian's Qt does); another library's connection is not ours to touch.
+void addFunctions(const QSqlDatabase& db) {
+    const QVariant handle = db.driver()->handle();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0) return;
+    sqlite3* connection = *static_cast<sqlite3* const*>(handle.constData());
+    QSqlQuery q(db);
+    if (!connection || !q.exec(QStringLiteral("SELECT sqlite_source_id()")) || !q.next() ||
+        q.value(0).toString() != QString::fromLatin1(sqlite3_sourceid()))
+        return;
+    sqlite3_create_function_v2(connection, "orve_pli", 1, SQLITE_UTF16 | SQLITE_DETERMINISTIC,
+                               nullptr, caselessFunction, nullptr, nullptr, nullptr);
+}
+
 QSqlDatabase openConnection(const QString& path, const QString& name) {
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
     db.setDatabaseName(path);
@@ -114,6 +146,7 @@ QSqlDatabase openConnection(const QString& path, const QString& name) {
         throw StoreError(QStringLiteral("Impossible d'ouvrir la base de données %1 : %2")
                              .arg(QDir::toNativeSeparators(path), text));
     }
+    addFunctions(db);
     return db;
 }
 

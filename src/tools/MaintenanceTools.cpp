@@ -187,9 +187,9 @@ std::vector<MailFlag> mailFlagsToCopy(const Store& s) {
 // Every header of the challenge, whatever its transfer mark, its title
 // written in any case.
 Condition challengeHeaders() {
-    return Condition(store::caselessSql(QStringLiteral("trim(ent_fact_competition)")) +
-                         QStringLiteral(" = ?"),
-                     {store::caselessText(kChallengeTitle)});
+    return Condition(
+        store::caselessSql(QStringLiteral("trim(ent_fact_competition)")) + QStringLiteral(" = ?"),
+        {store::caselessText(kChallengeTitle)});
 }
 
 }  // namespace

@@ -79,6 +79,11 @@ bool wholePdf(const QString& path) {
     return bytes.startsWith("%PDF-") && bytes.trimmed().endsWith("%%EOF");
 }
 
+// The invoices filed under a competition's rows.
+const char* const kInvoicesOfItsRows =
+    "SELECT COUNT(*) FROM strentete WHERE ent_c_index IN (SELECT c_index FROM strcompetition "
+    "WHERE index_reference = ?)";
+
 // Lines and total of a stored invoice: three lines summing to the header's amount.
 void checkWhole(const store::Store& s, const store::Row& header) {
     const QString number = header.value("ent_fact_no").toString();
@@ -125,8 +130,7 @@ void checkInvariant(const store::Store& s, const QString& index, const QString& 
         }
     }
     // No invoice of the competition but those filed under its rows.
-    EXPECT_EQ(s.scalar("SELECT COUNT(*) FROM strentete WHERE ent_c_index LIKE 'FD7%'").toInt(),
-              invoiceCount);
+    EXPECT_EQ(s.scalar(kInvoicesOfItsRows, {index}).toInt(), invoiceCount);
     EXPECT_EQ(s.scalar("SELECT COUNT(*) - COUNT(DISTINCT ent_fact_no) FROM strentete").toInt(), 0);
     EXPECT_EQ(s.scalar("SELECT COUNT(*) - COUNT(DISTINCT c_num_facture) FROM strcompetition "
                        "WHERE index_reference = ? AND c_facture IN ('A', 'F')",
@@ -174,7 +178,7 @@ TEST(CompetitionBatch, CommandsCalculateInvoiceAndList) {
         << qPrintable(err);
     EXPECT_TRUE(out.contains("FD700001  CDCNH  14/03/2027  Championnat régional quadrettes  [G]"))
         << qPrintable(out);
-    EXPECT_TRUE(out.contains("5 compétition(s) de la saison 2027")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("8 compétition(s) de la saison 2027")) << qPrintable(out);
     EXPECT_EQ(batch(inst, {"competition", "list", "--saison", "2019"}, &out, &err), 0);
     EXPECT_TRUE(out.contains("0 compétition(s) de la saison 2019")) << qPrintable(out);
 
@@ -194,19 +198,19 @@ TEST(CompetitionBatch, CommandsCalculateInvoiceAndList) {
                   1);
         EXPECT_TRUE(err.contains("Veuillez saisir un tarif")) << qPrintable(err);
     }
-    EXPECT_EQ(inst.start()->store().scalar("SELECT COUNT(*) FROM strentete").toInt(), 6);
+    EXPECT_EQ(inst.start()->store().scalar("SELECT COUNT(*) FROM strentete").toInt(), 12);
     // Without a price the season's tariff stands, as the window presets it.
     EXPECT_EQ(batch(inst, {"--as", "ligue06", "competition", "invoice", "FD700001", "--ligne", "2"},
                     &out, &err),
               0)
         << qPrintable(err);
-    for (const char* n : {"2027000006", "2027000007", "2027000008", "2027000009"})
+    for (const char* n : {"2027000012", "2027000013", "2027000014", "2027000015"})
         EXPECT_TRUE(out.contains(QStringLiteral("facture N° ") + n)) << qPrintable(out);
-    EXPECT_TRUE(out.contains("CL13001_FN_2027000007.pdf")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("CL13001_FN_2027000013.pdf")) << qPrintable(out);
     // 3 teams of 4 at 18.00 per player, 48 and 12 lines at 2.00.
     EXPECT_EQ(inst.start()
                   ->store()
-                  .scalar("SELECT ent_montant FROM strentete WHERE ent_fact_no = '2027000007'")
+                  .scalar("SELECT ent_montant FROM strentete WHERE ent_fact_no = '2027000013'")
                   .toLongLong(),
               33600);
 }
@@ -228,8 +232,7 @@ TEST(CompetitionBatch, AKilledRunIsFinishedNeverBilledTwice) {
     checkInvariant(s, index, folder);
     // The kill may fall between an invoice's commit and its row's: that
     // invoice counts as written, its row is given it back below.
-    const int afterFirst =
-        s.scalar("SELECT COUNT(*) FROM strentete WHERE ent_c_index LIKE 'FD7%'").toInt();
+    const int afterFirst = s.scalar(kInvoicesOfItsRows, {index}).toInt();
     EXPECT_GE(rowsIn(s, index, "AF"), 40);
     EXPECT_LE(afterFirst - rowsIn(s, index, "AF"), 1);
     EXPECT_LT(afterFirst, 605);

@@ -173,7 +173,7 @@ TEST(CompetitionInvoicing, ClubCompetitionIsInvoicedPrintedAndClosed) {
                            });
     EXPECT_FALSE(out.cancelled);
     ASSERT_EQ(out.numbers,
-              std::vector<QString>({"2027000006", "2027000007", "2027000008", "2027000009"}));
+              std::vector<QString>({"2027000012", "2027000013", "2027000014", "2027000015"}));
     ASSERT_EQ(out.files.size(), 4u);
     ASSERT_FALSE(heard.empty());
     EXPECT_EQ(heard.back(), std::make_pair(4, 4));
@@ -181,7 +181,7 @@ TEST(CompetitionInvoicing, ClubCompetitionIsInvoicedPrintedAndClosed) {
     // The invoice of CL13001 (three teams of four, 2/1 in the rounds).
     const QString phoceen = rowOf(s, index, "CL13001");
     const QString n = rowValue(s, phoceen, "c_num_facture");
-    EXPECT_EQ(n, "2027000007");
+    EXPECT_EQ(n, "2027000013");
     EXPECT_EQ(storedLines(s, n),
               QStringList({"01|99999991|Frais Engagement Championnat régional quadrettes|3|4000|"
                            "12000|CDCNH|" +
@@ -224,11 +224,11 @@ TEST(CompetitionInvoicing, ClubCompetitionIsInvoicedPrintedAndClosed) {
     EXPECT_EQ(rowValue(s, phoceen, "c_edt_fact"), "OUI");
     EXPECT_EQ(rowValue(s, phoceen, "c_add_tiers"), "N");
     EXPECT_EQ(rowValue(s, phoceen, "c_envoi_mail"), "N");
-    const QString pdf = QDir(settings.invoiceFolder).filePath("CL13001_FN_2027000007.pdf");
+    const QString pdf = QDir(settings.invoiceFolder).filePath("CL13001_FN_2027000013.pdf");
     EXPECT_TRUE(std::find(out.files.begin(), out.files.end(), pdf) != out.files.end());
     QString text;
     ASSERT_EQ(test::runProgram("pdftotext", {"-layout", pdf, "-"}, {}, &text, nullptr), 0);
-    EXPECT_TRUE(text.contains("FACTURE N° BOW2027000007 du 21/11/2026")) << qPrintable(text);
+    EXPECT_TRUE(text.contains("FACTURE N° BOW2027000013 du 21/11/2026")) << qPrintable(text);
     EXPECT_TRUE(text.contains("Lignage Eliminatoires (2 équipes)")) << qPrintable(text);
     EXPECT_TRUE(text.contains("270,00 €")) << qPrintable(text);
     // The batch draws what it has just written; the document made again from
@@ -246,7 +246,7 @@ TEST(CompetitionInvoicing, ClubCompetitionIsInvoicedPrintedAndClosed) {
     ASSERT_EQ(calculateCompetition(s, kLeague06, index, "CDCNH", false), 1);
     const InvoicingOutcome last = invoiceCompetition(s, kLeague06, settings, index,
                                                      {euros("10"), euros("2,50")}, inst.today());
-    EXPECT_EQ(last.numbers, std::vector<QString>{"2027000010"});
+    EXPECT_EQ(last.numbers, std::vector<QString>{"2027000016"});
     EXPECT_EQ(competitionOpenness(s, index), Openness::Closed);
 }
 
@@ -313,7 +313,10 @@ TEST(CompetitionInvoicing, CancelLeavesWholeInvoicesOnly) {
     }
     EXPECT_EQ(printed, 2);
     EXPECT_EQ(left, 2);
-    EXPECT_EQ(s.scalar("SELECT COUNT(*) FROM strentete WHERE ent_c_index LIKE 'FD7%'").toInt(), 2);
+    EXPECT_EQ(s.scalar("SELECT COUNT(*) FROM strentete WHERE ent_c_index IN (SELECT c_index FROM "
+                       "strcompetition WHERE index_reference = 'FD700001')")
+                  .toInt(),
+              2);
 }
 
 TEST(CompetitionInvoicing, AnInvoiceAKilledRunWroteGoesBackToItsRowNeverTwice) {
@@ -326,11 +329,11 @@ TEST(CompetitionInvoicing, AnInvoiceAKilledRunWroteGoesBackToItsRowNeverTwice) {
     const InvoicingPrices prices{euros("10"), euros("2,50")};
     ASSERT_EQ(calculateCompetition(s, kLeague06, index, "CDCNH", false), 4);
     ASSERT_EQ(invoiceCompetition(s, kLeague06, settings, index, prices, inst.today()).numbers,
-              std::vector<QString>({"2027000006", "2027000007", "2027000008", "2027000009"}));
+              std::vector<QString>({"2027000012", "2027000013", "2027000014", "2027000015"}));
 
     // CL06001's invoice is cancelled, to be made again.
-    invoicing::issueCreditNotes(s, {"2027000006"}, inst.today());
-    invoicing::resetCompetitionInvoicing(s, {"2027000006"});
+    invoicing::issueCreditNotes(s, {"2027000012"}, inst.today());
+    invoicing::resetCompetitionInvoicing(s, {"2027000012"});
     // CL13002 and CL13003 as a kill between an invoice and its row leaves
     // them: the invoice whole, the row back to invoice.
     const QString aix = rowOf(s, index, "CL13002");
@@ -346,18 +349,18 @@ TEST(CompetitionInvoicing, AnInvoiceAKilledRunWroteGoesBackToItsRowNeverTwice) {
     ASSERT_EQ(calculateCompetition(s, kLeague06, index, "CDCNH", false), 3);
     const InvoicingOutcome again =
         invoiceCompetition(s, kLeague06, settings, index, prices, QDate(2026, 11, 25));
-    EXPECT_EQ(again.numbers, std::vector<QString>({"2027000011"}));
-    EXPECT_EQ(again.finished, std::vector<QString>({"2027000008", "2027000009"}));
+    EXPECT_EQ(again.numbers, std::vector<QString>({"2027000017"}));
+    EXPECT_EQ(again.finished, std::vector<QString>({"2027000014", "2027000015"}));
     EXPECT_TRUE(outcomeNotes(again).contains("2 facture(s) laissée(s) sans document"))
         << qPrintable(outcomeNotes(again));
-    for (const auto& [row, number] : {std::pair{aix, "2027000008"}, {aubagne, "2027000009"}}) {
+    for (const auto& [row, number] : {std::pair{aix, "2027000014"}, {aubagne, "2027000015"}}) {
         EXPECT_EQ(rowValue(s, row, "c_num_facture"), number);
         EXPECT_EQ(rowValue(s, row, "c_facture"), "F");
         EXPECT_EQ(rowValue(s, row, "c_date_facture"), "21/11/2026");
         EXPECT_EQ(s.scalar("SELECT COUNT(*) FROM strentete WHERE ent_c_index = ?", {row}).toInt(),
                   1);
     }
-    EXPECT_EQ(rowValue(s, rowOf(s, index, "CL06001"), "c_num_facture"), "2027000011");
+    EXPECT_EQ(rowValue(s, rowOf(s, index, "CL06001"), "c_num_facture"), "2027000017");
     EXPECT_EQ(competitionOpenness(s, index), Openness::Frozen);
 }
 
@@ -389,7 +392,7 @@ TEST(CompetitionInvoicing, AFailingRunSaysWhatItDidAndWhatTheNextFinishes) {
     EXPECT_TRUE(message.startsWith("La génération des factures s'est arrêtée : "))
         << qPrintable(message);
     EXPECT_TRUE(message.contains(QStringLiteral("%1 facture(s) enregistrée(s) avant l'arrêt (N° "
-                                                "2027000006")
+                                                "2027000012")
                                      .arg(written.size())))
         << qPrintable(message);
     EXPECT_TRUE(message.contains("dont 0 avec leur document")) << qPrintable(message);

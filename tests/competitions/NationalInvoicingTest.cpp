@@ -275,15 +275,15 @@ TEST(NationalInvoicing, ChampionshipInvoicedLineByLine) {
     const InvoicingOutcome out =
         invoiceBatch(s, settings, BatchKind::Championship, "2027",
                      {euros("4,00"), euros("3,50"), Money()}, QDate(2026, 12, 3));
-    ASSERT_EQ(out.numbers, std::vector<QString>({"2027000006", "2027000007", "2027000008"}));
-    EXPECT_EQ(storedLines(s, "2027000006"),
+    ASSERT_EQ(out.numbers, std::vector<QString>({"2027000012", "2027000013", "2027000014"}));
+    EXPECT_EQ(storedLines(s, "2027000012"),
               QStringList({"01|99999990|Lignage N1|4|350|1400|CDCND|7FD00001|CL13001",
                            "02|99999990|Lignage N2|2|350|700|CDCND|7FD00001|CL13001"}));
-    EXPECT_EQ(storedLines(s, "2027000007"),
+    EXPECT_EQ(storedLines(s, "2027000013"),
               QStringList({"01|99999990|Lignage N1|6|400|2400|CDCNH|7FD00002|CL13001",
                            "02|99999990|Lignage N3|1|400|400|CDCNH|7FD00002|CL13001"}));
-    EXPECT_EQ(storedLines(s, "2027000008").size(), 3);
-    EXPECT_EQ(header(s, "2027000006",
+    EXPECT_EQ(storedLines(s, "2027000014").size(), 3);
+    EXPECT_EQ(header(s, "2027000012",
                      {"ent_fact_competition", "ent_c_codification", "ent_c_index", "ent_tiers_fact",
                       "ent_fact_lib", "ent_fact_date", "ent_fact_echeance", "ent_nature",
                       "ent_montant", "ent_fact_type"}),
@@ -292,18 +292,18 @@ TEST(NationalInvoicing, ChampionshipInvoicedLineByLine) {
                            "ent_tiers_fact=CL13001", "ent_fact_lib=Bowling Club Phocéen",
                            "ent_fact_date=03/12/2026", "ent_fact_echeance=31/12/2026",
                            "ent_nature=CDCND", "ent_montant=2100", "ent_fact_type=F"}));
-    EXPECT_EQ(header(s, "2027000008", {"ent_fact_competition", "ent_montant"}),
+    EXPECT_EQ(header(s, "2027000014", {"ent_fact_competition", "ent_montant"}),
               QStringList({"ent_fact_competition=CHAMPIONNAT DES CLUBS-NATIONAL-Hommes",
                            "ent_montant=3600"}));
     // Each row is printed and final, its document in the invoice folder.
     for (const auto& [index, number] :
-         {std::pair{"7FD00001", "2027000006"}, std::pair{"7FD00004", "2027000008"}}) {
+         {std::pair{"7FD00001", "2027000012"}, std::pair{"7FD00004", "2027000014"}}) {
         EXPECT_EQ(rowValue(s, index, "c_facture"), "F");
         EXPECT_EQ(rowValue(s, index, "c_num_facture"), number);
         EXPECT_EQ(rowValue(s, index, "c_tri_facture"), "20261203");
         EXPECT_EQ(rowValue(s, index, "c_edt_fact"), "OUI");
     }
-    EXPECT_TRUE(QFile::exists(QDir(settings.invoiceFolder).filePath("CL75001_FN_2027000008.pdf")));
+    EXPECT_TRUE(QFile::exists(QDir(settings.invoiceFolder).filePath("CL75001_FN_2027000014.pdf")));
     EXPECT_EQ(rowValue(s, "7FD00003", "c_facture"), " ");
     EXPECT_EQ(rowValue(s, "7FD00005", "c_facture"), " ");
     EXPECT_EQ(refusal([&] { planBatch(s, BatchKind::Championship, "2027"); }),
@@ -337,12 +337,12 @@ TEST(NationalInvoicing, PrivateInvoicedWithTheCentresInvoicingAddress) {
 
     const InvoicingOutcome out = invoiceBatch(s, settings, BatchKind::Private, "2027",
                                               {{}, {}, euros("2,00")}, inst.today());
-    ASSERT_EQ(out.numbers, std::vector<QString>({"2027000006", "2027000007", "2027000008"}));
-    EXPECT_EQ(storedLines(s, "2027000006"),
+    ASSERT_EQ(out.numbers, std::vector<QString>({"2027000012", "2027000013", "2027000014"}));
+    EXPECT_EQ(storedLines(s, "2027000012"),
               QStringList({"01|99999992|Calendrier : Frais Fixe|1|5000|5000|PRIVE|7PR00001|BOW0131",
                            "02|99999993|Participation par joueur|24|200|4800|PRIVE|7PR00001|"
                            "BOW0131"}));
-    EXPECT_EQ(header(s, "2027000006",
+    EXPECT_EQ(header(s, "2027000012",
                      {"ent_fact_competition", "ent_tiers_fact", "ent_fact_lib", "ent_fact_ad1",
                       "ent_fact_cp_ville", "ent_fact_mail1", "ent_clt_lib", "ent_fact_echeance",
                       "ent_montant"}),
@@ -352,14 +352,14 @@ TEST(NationalInvoicing, PrivateInvoicedWithTheCentresInvoicingAddress) {
                            "ent_fact_mail1=accueil.131@centres-bowling.example",
                            "ent_clt_lib=SAS Loisirs Marseille", "ent_fact_echeance=15/12/2026",
                            "ent_montant=9800"}));
-    EXPECT_EQ(storedLines(s, "2027000007"),
+    EXPECT_EQ(storedLines(s, "2027000013"),
               QStringList({"01|99999992|Calendrier : Frais Fixe|1|0|0|PRIVE|7PR00002|CL75001",
                            "02|99999993|Participation par joueur|40|200|8000|PRIVE|7PR00002|"
                            "CL75001"}));
-    EXPECT_EQ(storedLines(s, "2027000008"),
+    EXPECT_EQ(storedLines(s, "2027000014"),
               QStringList({"01|99999992|Calendrier : Frais Fixe|1|3000|3000|PRIVE|7PR00003|CD013",
                            "02|99999993|Participation par joueur|0|200|0|PRIVE|7PR00003|CD013"}));
-    EXPECT_TRUE(QFile::exists(QDir(settings.invoiceFolder).filePath("BOW0131_FN_2027000006.pdf")));
+    EXPECT_TRUE(QFile::exists(QDir(settings.invoiceFolder).filePath("BOW0131_FN_2027000012.pdf")));
     EXPECT_EQ(rowValue(s, "7PR00004", "c_facture"), " ");
 
     // A run killed between an invoice and its row left the invoice whole and
@@ -369,10 +369,10 @@ TEST(NationalInvoicing, PrivateInvoicedWithTheCentresInvoicingAddress) {
     const InvoicingOutcome again = invoiceBatch(s, settings, BatchKind::Private, "2027",
                                                 {{}, {}, euros("2,00")}, inst.today());
     EXPECT_TRUE(again.numbers.empty());
-    EXPECT_EQ(again.finished, std::vector<QString>{"2027000007"});
+    EXPECT_EQ(again.finished, std::vector<QString>{"2027000013"});
     EXPECT_EQ(invoiceCount(s), before + 3);
     EXPECT_EQ(rowValue(s, "7PR00002", "c_facture"), "F");
-    EXPECT_EQ(rowValue(s, "7PR00002", "c_num_facture"), "2027000007");
+    EXPECT_EQ(rowValue(s, "7PR00002", "c_num_facture"), "2027000013");
 }
 
 TEST(NationalBatch, CommandsCalculateAndInvoiceBothKinds) {
@@ -394,7 +394,7 @@ TEST(NationalBatch, CommandsCalculateAndInvoiceBothKinds) {
     // The women's price left out is the season's tariff, as the window presets it.
     ASSERT_EQ(run({"cdc", "invoice", "--hommes", "4"}), 0) << qPrintable(err);
     EXPECT_TRUE(out.contains("3 facture(s) générée(s) pour la saison 2027")) << qPrintable(out);
-    EXPECT_TRUE(out.contains("CL13001_FN_2027000006.pdf")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("CL13001_FN_2027000012.pdf")) << qPrintable(out);
 
     ASSERT_EQ(run({"prive", "calculate"}), 0) << qPrintable(err);
     EXPECT_TRUE(out.contains("7PR00001  BOW0131  PRIVE  50,00 € + 24 joueur(s)"))
@@ -403,11 +403,11 @@ TEST(NationalBatch, CommandsCalculateAndInvoiceBothKinds) {
     EXPECT_EQ(run({"prive", "invoice"}), 1);
     EXPECT_TRUE(err.contains("Veuillez saisir un tarif")) << qPrintable(err);
     ASSERT_EQ(run({"prive", "invoice", "--joueur", "2,00"}), 0) << qPrintable(err);
-    EXPECT_TRUE(out.contains("facture N° 2027000009")) << qPrintable(out);
-    EXPECT_TRUE(out.contains("BOW0131_FN_2027000009.pdf")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("facture N° 2027000015")) << qPrintable(out);
+    EXPECT_TRUE(out.contains("BOW0131_FN_2027000015.pdf")) << qPrintable(out);
     auto session = inst.start();
     EXPECT_EQ(session->store()
-                  .scalar("SELECT ent_montant FROM strentete WHERE ent_fact_no = '2027000006'")
+                  .scalar("SELECT ent_montant FROM strentete WHERE ent_fact_no = '2027000012'")
                   .toLongLong(),
               2700);  // 4 + 2 lines at the women's 4,50
     EXPECT_EQ(run({"prive", "bill"}), 1);

@@ -178,7 +178,7 @@ TEST(CreditNotes, LinesNegatedRenumberedAndHeaderCopied) {
 
 TEST(CreditNotes, ConsecutiveNumbersInListOrderEachInvoiceOnce) {
     Fixture f;
-    const QString first = next(kLongInvoice);
+    const QString first = next(test::kLastDemoNumber);
     int told = 0;
     // The list shows an invoice once per line, and may show it padded.
     const auto issued = issueCreditNotes(
@@ -419,14 +419,14 @@ TEST(CreditNotes, BatchCommand) {
     QString out, err;
     EXPECT_EQ(batch({"avoir", kLeagueInvoice, kClubInvoice}, &out, &err), 0) << qPrintable(err);
     EXPECT_EQ(out,
-              "avoir N° 2027000006 : facture N° 2027000003 annulée\n"
-              "avoir N° 2027000007 : facture N° 2027000001 annulée\n"
+              "avoir N° 2027000012 : facture N° 2027000003 annulée\n"
+              "avoir N° 2027000013 : facture N° 2027000001 annulée\n"
               "2 avoir(s) généré(s)\n");
 
     // A refusal in the list: the French messages, exit 1, nothing written.
     EXPECT_EQ(batch({"avoir", kLongInvoice, kClubInvoice, kDemoCreditNote}, &out, &err), 1);
     EXPECT_TRUE(
-        err.contains("La facture N° 2027000001 a déjà été annulée par l'avoir N° 2027000007"))
+        err.contains("La facture N° 2027000001 a déjà été annulée par l'avoir N° 2027000013"))
         << qPrintable(err);
     EXPECT_TRUE(err.contains("L'avoir N° 2027000004 ne peut pas être annulé par un avoir"));
     EXPECT_FALSE(out.contains("avoir N°"));
@@ -435,7 +435,7 @@ TEST(CreditNotes, BatchCommand) {
 
     {
         auto session = inst.start();
-        EXPECT_EQ(session->store().scalar("SELECT COUNT(*) FROM strentete").toInt(), 8);
+        EXPECT_EQ(session->store().scalar("SELECT COUNT(*) FROM strentete").toInt(), 14);
         EXPECT_EQ(session->store()
                       .scalar("SELECT ent_fact_date FROM strentete WHERE ent_fact_origine = ?",
                               {kLeagueInvoice})
@@ -444,8 +444,8 @@ TEST(CreditNotes, BatchCommand) {
     }
 
     // The documents come after, as for any credit note.
-    EXPECT_EQ(batch({"pdf", "2027000006"}, &out, &err), 0) << qPrintable(err);
-    EXPECT_TRUE(out.contains("LR06_FN_2027000006.pdf")) << qPrintable(out);
+    EXPECT_EQ(batch({"pdf", "2027000012"}, &out, &err), 0) << qPrintable(err);
+    EXPECT_TRUE(out.contains("LR06_FN_2027000012.pdf")) << qPrintable(out);
     const auto lines = pdfLines(out.section("document écrit : ", 1).trimmed());
     ASSERT_TRUE(lineStarting(lines, "Avoir sur"));
     EXPECT_EQ(lineStarting(lines, "Avoir sur")->text,

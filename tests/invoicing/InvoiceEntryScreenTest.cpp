@@ -48,7 +48,7 @@ TEST(InvoiceEntryScreen, EnterValidatesALineAndANewInvoiceStartsToday) {
     emit dept->editingFinished();
     pickItem(child<QComboBox>(&screen, "Combo13"), "Strike Club Aubagne");
     child<QPushButton>(&screen, "cmdValideFact_tiers")->click();
-    ASSERT_EQ(child<QLineEdit>(&screen, "tiers_num")->text(), "2027000006")
+    ASSERT_EQ(child<QLineEdit>(&screen, "tiers_num")->text(), "2027000012")
         << dialogs.takeShown().toStdString();
 
     pickItem(child<QComboBox>(&screen, "Combo16"), "Formation d'arbitre");
@@ -62,7 +62,7 @@ TEST(InvoiceEntryScreen, EnterValidatesALineAndANewInvoiceStartsToday) {
     EXPECT_TRUE(dialogs.failure().isEmpty()) << dialogs.failure().toStdString();
     EXPECT_EQ(
         session->store()
-            .scalar("SELECT SUM(f_montant) FROM strfacture WHERE f_num_facture = '2027000006'")
+            .scalar("SELECT SUM(f_montant) FROM strfacture WHERE f_num_facture = '2027000012'")
             .toInt(),
         16000);
     EXPECT_EQ(child<QLabel>(&screen, "lbl_total_facture")->text(), "Total : 160,00 €");

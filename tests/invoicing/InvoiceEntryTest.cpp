@@ -213,7 +213,7 @@ TEST(InvoiceEntry, HeaderIsCreatedModifiedAndItsLinesTotalled) {
     EntryHeaderState s = clubState(f.store());
     s.depositText = "12,50";
     const QString number = saveEntryHeader(f.store(), lic, s, {}, f.inst.today());
-    EXPECT_EQ(number, "2027000006");
+    EXPECT_EQ(number, "2027000012");
     EXPECT_EQ(f.header(number, "ent_c_index"), "8FA00000");
     EXPECT_EQ(f.header(number, "ent_nature"), "LIC");
     EXPECT_EQ(f.header(number, "ent_fact_competition"), "Licence Saison 2026-2027");

@@ -106,9 +106,9 @@ TEST(InvoiceRenumbering, RefusesNumbersNotAboveTheLastAndTheNextInvoiceTakesTheT
     test::TestInstall inst;
     auto session = inst.start();
     store::Store& s = session->store();
-    EXPECT_EQ(lastInvoiceNumber(s), test::kLongInvoice);
+    EXPECT_EQ(lastInvoiceNumber(s), test::kLastDemoNumber);
     const int headers = rows(s, "SELECT COUNT(*) FROM strentete");
-    for (const QString& typed : {test::kLongInvoice, QString("2027000004"), QString("")})
+    for (const QString& typed : {test::kLastDemoNumber, QString("2027000004"), QString("")})
         EXPECT_EQ(refusalOf([&] { renumberInvoices(s, typed, inst.today()); }),
                   "Impossible, le prochain N° doit être supérieur au dernier utilisé !!!")
             << typed.toStdString();

@@ -113,13 +113,22 @@ TEST(ToolScreens, ChecksShowOneScrollableReportThatCanBeCopied) {
     ASSERT_EQ(reports().size(), 1u);
     ORVE_out_rapport* spy = reports().front();
     EXPECT_EQ(spy->windowTitle(), "espion");
-    EXPECT_EQ(child<QLabel>(spy, "lbl_resume")->text(), "4 anomalies signalées");
+    // Four strays and every line filed under a pseudo-competition.
+    const int found = 4 + session->store()
+                              .scalar(
+                                  "SELECT COUNT(*) FROM strfacture WHERE f_index_compet IN "
+                                  "(SELECT c_index FROM strcompetition WHERE c_facture = 'X')")
+                              .toInt();
+    EXPECT_EQ(child<QLabel>(spy, "lbl_resume")->text(),
+              QStringLiteral("%1 anomalies signalées").arg(found));
     EXPECT_TRUE(child<QPlainTextEdit>(spy, "txt_rapport")->isReadOnly());
-    EXPECT_EQ(child<QPlainTextEdit>(spy, "txt_rapport")->toPlainText().split('\n').size(), 4);
+    EXPECT_EQ(child<QPlainTextEdit>(spy, "txt_rapport")->toPlainText().split('\n').size(), found);
     child<QPushButton>(spy, "cmdcopier")->click();
     EXPECT_EQ(QGuiApplication::clipboard()->text(), spy->reportText());
     EXPECT_TRUE(spy->reportText().startsWith(
-        "4 anomalies signalées\nligne mal affectée : 2014000122 au lieu de 2014000121\n"));
+        QStringLiteral("%1 anomalies signalées\nligne mal affectée : 2014000122 au lieu de "
+                       "2014000121\n")
+            .arg(found)));
     child<QPushButton>(spy, "cmdfermer")->click();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(reports().empty());
@@ -163,16 +172,16 @@ TEST(ToolScreens, TheSeasonWindowsTakeDigitsOnlyAndSayWhatTheyDid) {
     ORVE_out_newnumero numbering(*session, dialogs);
     auto* last = child<QLineEdit>(&numbering, "txt_dernier_num");
     auto* next = child<QLineEdit>(&numbering, "txt_new_num");
-    EXPECT_EQ(last->text(), "2027000005");
+    EXPECT_EQ(last->text(), "2027000011");
     EXPECT_TRUE(last->isReadOnly());
     EXPECT_TRUE(accepts(next, "2028000001"));
     EXPECT_FALSE(accepts(next, "2027-01"));
     EXPECT_FALSE(accepts(next, "20280000011"));
-    next->setText("2027000005");
+    next->setText("2027000011");
     child<QPushButton>(&numbering, "cmdvalide")->click();
     EXPECT_EQ(dialogs.takeShown(),
               "Impossible, le prochain N° doit être supérieur au dernier utilisé !!!");
-    EXPECT_EQ(next->text(), "2027000005");
+    EXPECT_EQ(next->text(), "2027000011");
     next->setText("2028000001");
     child<QPushButton>(&numbering, "cmdvalide")->click();
     EXPECT_EQ(dialogs.takeShown(),

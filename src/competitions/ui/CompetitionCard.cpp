@@ -188,15 +188,18 @@ CompetitionCard::CompetitionCard(QWidget* parent)
                     [text, value] { text->setText(value); });
         }
     }
-    // Whatever the operator changes may need validating again.
+    // What the operator changes must be validated again; choosing what the
+    // card already holds changes nothing.
+    const auto changed = [this] {
+        if (modified()) emit edited();
+    };
     for (QLineEdit* b : {m_season, m_title, m_date, m_eliminatoryLines, m_finalLines})
-        connect(b, &QLineEdit::textEdited, this, &CompetitionCard::edited);
+        connect(b, &QLineEdit::textEdited, this, changed);
     for (QComboBox* c : {m_natures, m_compositions})
-        connect(c, &QComboBox::activated, this, &CompetitionCard::edited);
-    for (QComboBox* c : m_codes) connect(c, &QComboBox::activated, this, &CompetitionCard::edited);
+        connect(c, &QComboBox::activated, this, changed);
+    for (QComboBox* c : m_codes) connect(c, &QComboBox::activated, this, changed);
     for (const auto* buttons : {&m_billedKind, &m_entry, &m_lines})
-        for (QRadioButton* b : *buttons)
-            connect(b, &QRadioButton::clicked, this, &CompetitionCard::edited);
+        for (QRadioButton* b : *buttons) connect(b, &QRadioButton::clicked, this, changed);
     for (QLineEdit* count : {m_eliminatoryLines, m_finalLines}) {
         count->installEventFilter(this);
         connect(count, &QLineEdit::editingFinished, this,
