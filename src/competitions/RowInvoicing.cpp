@@ -6,6 +6,8 @@
 #include "competitions/CompetitionRegister.h"
 #include "competitions/InvoicingRuns.h"
 #include "invoicing/InvoiceFiles.h"
+#include "invoicing/InvoiceParties.h"
+#include "reference/PartyRecords.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 
@@ -350,94 +352,50 @@ Money seasonTariff(const Store& store, const QString& article, const QString& se
         {article, season.trimmed(), nature.trimmed()}));
 }
 
+// The batch runs write "postcode town".
+const QString kRunSeparator = QStringLiteral(" ");
+
 InvoiceParty leagueInvoiceParty(const Store& store, const QString& code, const QString& rowName) {
-    const auto r =
-        store.selectOne(QStringLiteral("SELECT * FROM strregion WHERE re_code = ?"), {code});
-    if (!r) throw Refusal(QStringLiteral("%1 : la ligue %2 n'existe pas.").arg(rowName, code));
-    InvoiceParty p;
-    p.account = code;
-    const bool csr =
-        trimmedText(*r, "re_fact").compare(QStringLiteral("CSR"), Qt::CaseInsensitive) == 0;
-    p.name = trimmedText(*r, "re_lib");
-    p.president =
-        csr ? joined(trimmedText(*r, "re_csr_int"), trimmedText(*r, "re_csr_nom"))
-            : joined(trimmedText(*r, "re_president_int"), trimmedText(*r, "re_president"));
-    p.address1 = trimmedText(*r, "re_ad1");
-    p.address2 = trimmedText(*r, "re_ad2");
-    p.address3 = trimmedText(*r, "re_ad3");
-    p.address4 = trimmedText(*r, "re_ad4");
-    p.postcodeTown = joined(trimmedText(*r, "re_cp"), trimmedText(*r, "re_ville"));
-    p.mail1 = trimmedText(*r, "re_mail1");
-    p.mail2 = trimmedText(*r, "re_mail2");
+    const auto l = reference::leagueRecord(store, code);
+    if (!l) throw Refusal(QStringLiteral("%1 : la ligue %2 n'existe pas.").arg(rowName, code));
+    InvoiceParty p = invoicing::partyFromBlock(l->block, code, kRunSeparator);
+    const bool csr = l->billedAs.compare(QStringLiteral("CSR"), Qt::CaseInsensitive) == 0;
+    p.president = csr ? joined(l->csrTitle, l->csrName) : joined(l->presidentTitle, l->president);
     return p;
 }
 
 InvoiceParty committeeInvoiceParty(const Store& store, const QString& code,
                                    const QString& rowName) {
     const QString number = code.mid(2);
-    const auto r =
-        store.selectOne(QStringLiteral("SELECT * FROM strdept WHERE de_no = ?"), {number});
-    if (!r)
+    const auto c = reference::committeeRecord(store, number);
+    if (!c)
         throw Refusal(
             QStringLiteral("%1 : le comité départemental %2 n'existe pas.").arg(rowName, number));
-    InvoiceParty p;
-    p.account = code;
-    p.name = trimmedText(*r, "de_lib");
-    p.president = trimmedText(*r, "de_president");
-    p.address1 = trimmedText(*r, "de_ad1");
-    p.address2 = trimmedText(*r, "de_ad2");
-    p.address3 = trimmedText(*r, "de_ad3");
-    p.address4 = trimmedText(*r, "de_ad4");
-    p.postcodeTown = joined(trimmedText(*r, "de_cp"), trimmedText(*r, "de_ville"));
-    p.mail1 = trimmedText(*r, "de_mail1");
-    p.mail2 = trimmedText(*r, "de_mail2");
+    InvoiceParty p = invoicing::partyFromBlock(c->block, code, kRunSeparator);
+    p.president = c->president;
     return p;
 }
 
 InvoiceParty clubInvoiceParty(const Store& store, const QString& code, const QString& rowName) {
-    const auto r =
-        store.selectOne(QStringLiteral("SELECT * FROM strclub WHERE club_code = ?"), {code});
-    if (!r) throw Refusal(QStringLiteral("%1 : le club %2 n'existe pas.").arg(rowName, code));
-    InvoiceParty p;
-    p.account = code;
-    p.name = trimmedText(*r, "club_nom");
-    p.president = trimmedText(*r, "club_president");
-    p.address1 = trimmedText(*r, "club_ad1");
-    p.address2 = trimmedText(*r, "club_ad2");
-    p.address3 = trimmedText(*r, "club_ad3");
-    p.address4 = trimmedText(*r, "club_ad4");
-    p.postcodeTown = joined(trimmedText(*r, "club_cp"), trimmedText(*r, "club_ville"));
-    p.mail1 = trimmedText(*r, "club_mail1");
-    p.mail2 = trimmedText(*r, "club_mail2");
+    const auto c = reference::clubRecord(store, code);
+    if (!c) throw Refusal(QStringLiteral("%1 : le club %2 n'existe pas.").arg(rowName, code));
+    InvoiceParty p = invoicing::partyFromBlock(c->block, code, kRunSeparator);
+    p.president = c->president;
     return p;
 }
 
 InvoiceParty centreInvoiceParty(const Store& store, const QString& account,
                                 const QString& rowName) {
-    const auto r = store.selectOne(
-        QStringLiteral("SELECT * FROM strbowling WHERE b_compte_tiers = ?"), {account});
-    if (!r)
+    const auto c = reference::centreRecord(store, account);
+    if (!c)
         throw Refusal(
             QStringLiteral("%1 : le centre de bowling %2 n'existe pas.").arg(rowName, account));
-    InvoiceParty p;
-    p.account = trimmedText(*r, "b_compte_tiers");
-    p.name = trimmedText(*r, "b_fac_nom");
-    p.address1 = trimmedText(*r, "b_fac_ad1");
-    p.address2 = trimmedText(*r, "b_fac_ad2");
-    p.address3 = trimmedText(*r, "b_fac_ad3");
-    p.address4 = trimmedText(*r, "b_fac_ad4");
-    p.postcodeTown = joined(trimmedText(*r, "b_fac_cp"), trimmedText(*r, "b_fac_ville"));
+    InvoiceParty p = invoicing::partyFromBlock(c->invoicing, c->account, kRunSeparator);
     // A centre whose invoicing address was never filled in is invoiced at
     // its own, rather than on an invoice with no address at all.
     if (p.name.isEmpty() && p.address1.isEmpty() && p.postcodeTown.isEmpty()) {
-        p.name = trimmedText(*r, "b_nom");
-        p.address1 = trimmedText(*r, "b_ad1");
-        p.address2 = trimmedText(*r, "b_ad2");
-        p.address3 = trimmedText(*r, "b_ad3");
-        p.postcodeTown = joined(trimmedText(*r, "b_cp"), trimmedText(*r, "b_ville"));
+        p = invoicing::partyFromBlock(c->own, c->account, kRunSeparator);
     }
-    p.mail1 = trimmedText(*r, "b_mail1");
-    p.mail2 = trimmedText(*r, "b_mail2");
     return p;
 }
 

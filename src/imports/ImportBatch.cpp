@@ -58,6 +58,10 @@ int importFile(app::BatchContext& c) {
         }
         return true;
     };
+    const CompetitionImportSteps steps{
+        [&c](int existing) { return importAgain(c, existing); }, {}, {}, progress};
+    // A wrong --doublons is refused even when the file has nothing to ask about.
+    if (kind == QStringLiteral("cdc") || kind == QStringLiteral("prive")) importAgain(c, 0);
     if (kind == QStringLiteral("clubs")) {
         ClubImport import(store, session.today());
         import.check(file);
@@ -76,14 +80,10 @@ int importFile(app::BatchContext& c) {
         c.out() << "saison " << settings.season << ", finale du "
                 << settings.finalDate.toString(QStringLiteral("dd/MM/yyyy")) << "\n";
         ChampionshipImport import(store, settings);
-        import.check(file);
-        const bool again = importAgain(c, import.duplicates());
-        print(c, import.write(again, progress), kProcessingDone);
+        print(c, importCompetitions(import, file, steps), kProcessingDone);
     } else {
         PrivateImport import(store);
-        import.check(file);
-        const bool again = importAgain(c, import.duplicates());
-        print(c, import.write(again, progress), kProcessingDone);
+        print(c, importCompetitions(import, file, steps), kProcessingDone);
     }
     return 0;
 }

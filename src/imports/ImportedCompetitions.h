@@ -2,8 +2,11 @@
 
 #include <QDate>
 #include <QString>
+#include <functional>
 #include <map>
 
+#include "imports/ImportFile.h"
+#include "imports/ImportReport.h"
 #include "store/PreparedStatement.h"
 #include "store/Store.h"
 
@@ -76,5 +79,28 @@ class CompetitionWriter {
     store::Params m_values;
     std::map<QString, int> m_next;
 };
+
+// The competition imports' one sequence, for their windows and orve-batch
+// alike: read and check the whole file (writing nothing), ask whether the
+// competitions already there are imported a second time (only when there are
+// some), then write everything in one transaction or nothing.
+struct CompetitionImportSteps {
+    // Given how many of the file's competitions exist already: import them again?
+    std::function<bool(int existing)> importAgain;
+    ImportProgress checking;
+    // Called once the checking is done, before any question or writing.
+    std::function<void()> writingStarts;
+    ImportProgress writing;
+};
+
+template <class Import>
+ImportReport importCompetitions(Import& import, const ImportFile& file,
+                                const CompetitionImportSteps& steps) {
+    import.check(file, steps.checking);
+    if (steps.writingStarts) steps.writingStarts();
+    const bool again =
+        import.duplicates() == 0 || (steps.importAgain && steps.importAgain(import.duplicates()));
+    return import.write(again, steps.writing);
+}
 
 }  // namespace orve::imports

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "invoicing/InvoiceFiles.h"
 #include "invoicing/InvoiceRecords.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
@@ -152,6 +153,18 @@ std::vector<IssuedCreditNote> issueCreditNotes(Store& store, const std::vector<Q
         if (progress && !progress(issued.back(), static_cast<int>(issued.size()), total)) break;
     }
     return issued;
+}
+
+std::vector<IssuedCreditNote> issueCreditNotesWithDocuments(
+    Store& store, const DocumentSettings& settings, const std::vector<QString>& invoices,
+    const QDate& today, const CreditNoteDocumentProgress& progress, const QString& operatorLevel) {
+    return issueCreditNotes(
+        store, invoices, today,
+        [&](const IssuedCreditNote& issued, int done, int total) {
+            const QString file = generateInvoicePdf(store, settings, issued.creditNote);
+            return !progress || progress(issued, file, done, total);
+        },
+        operatorLevel);
 }
 
 }  // namespace orve::invoicing

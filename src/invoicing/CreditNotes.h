@@ -5,6 +5,7 @@
 #include <functional>
 #include <vector>
 
+#include "invoicing/DocumentSettings.h"
 #include "reference/Visibility.h"
 #include "store/Store.h"
 
@@ -62,6 +63,20 @@ using CreditNoteProgress = std::function<bool(const IssuedCreditNote& issued, in
 std::vector<IssuedCreditNote> issueCreditNotes(
     store::Store& store, const std::vector<QString>& invoices, const QDate& today,
     const CreditNoteProgress& progress = {},
+    const QString& operatorLevel = reference::kNationalLevel);
+
+// The credit-note operation as the invoice window and orve-batch both run it:
+// each credit note is committed, then its document is written and marked
+// before the next one is made. Told of each with its document's file; returns
+// false to stop before the next. A document that cannot be written stops the
+// run there (StoreError or Refusal): the credit notes made stay made, the one
+// in hand without its document, which the "pdf" command or the window's
+// printing makes again.
+using CreditNoteDocumentProgress =
+    std::function<bool(const IssuedCreditNote& issued, const QString& file, int done, int total)>;
+std::vector<IssuedCreditNote> issueCreditNotesWithDocuments(
+    store::Store& store, const DocumentSettings& settings, const std::vector<QString>& invoices,
+    const QDate& today, const CreditNoteDocumentProgress& progress = {},
     const QString& operatorLevel = reference::kNationalLevel);
 
 }  // namespace orve::invoicing

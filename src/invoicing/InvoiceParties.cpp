@@ -2,10 +2,6 @@
 
 #include <optional>
 
-#include "reference/Centres.h"
-#include "reference/Clubs.h"
-#include "reference/Committees.h"
-#include "reference/Leagues.h"
 #include "reference/ReferenceCodes.h"
 #include "store/Condition.h"
 #include "store/Refusal.h"
@@ -50,26 +46,15 @@ QString refusedInvoice(const QString& invoiceNumber, const QString& what) {
     return QStringLiteral("Impossible d'éditer la facture ") + invoiceNumber.trimmed() + what;
 }
 
-// The committee as itself: its own address, filed under "CD" + its number.
-InvoiceParty committeeItself(const store::Row& r) {
-    InvoiceParty p;
-    p.account = QStringLiteral("CD") + trimmedText(r, "de_no");
-    p.name = QStringLiteral("C.D. ") + trimmedText(r, "de_lib");
-    p.president = joined(trimmedText(r, "de_president_int"), QStringLiteral(" "),
-                         trimmedText(r, "de_president"));
-    p.address1 = trimmedText(r, "de_ad1");
-    p.address2 = trimmedText(r, "de_ad2");
-    p.address3 = trimmedText(r, "de_ad3");
-    p.address4 = trimmedText(r, "de_ad4");
-    p.postcodeTown =
-        joined(trimmedText(r, "de_cp"), QStringLiteral(" - "), trimmedText(r, "de_ville"));
-    p.mail1 = trimmedText(r, "de_mail1");
-    p.mail2 = trimmedText(r, "de_mail2");
-    return p;
-}
+// The entry screen writes "postcode - town"; a centre "postcode-town".
+const QString kEntrySeparator = QStringLiteral(" - ");
 
-std::optional<store::Row> committeeRow(const Store& store, const QString& number) {
-    return reference::committees::find(store, number);
+// The committee as itself: its own address, filed under "CD" + its number.
+InvoiceParty committeeItself(const reference::CommitteeRecord& c) {
+    InvoiceParty p = partyFromBlock(c.block, QStringLiteral("CD") + c.number, kEntrySeparator);
+    p.name = QStringLiteral("C.D. ") + c.block.name;
+    p.president = joined(c.presidentTitle, QStringLiteral(" "), c.president);
+    return p;
 }
 
 }  // namespace
@@ -129,94 +114,79 @@ QString nameFirstKey(const QString& itemText) {
     return (hash < 0 ? itemText : itemText.mid(hash + 1)).trimmed();
 }
 
-InvoiceParty leagueParty(const Store& store, const QString& code) {
-    const auto r = reference::leagues::find(store, code.trimmed());
-    if (!r) throw Refusal(QStringLiteral("La ligue %1 n'existe pas.").arg(code.trimmed()));
+InvoiceParty partyFromBlock(const reference::PostalBlock& block, const QString& account,
+                            const QString& separator) {
     InvoiceParty p;
-    p.account = trimmedText(*r, "re_code");
-    p.name = QStringLiteral("L.R. ") + trimmedText(*r, "re_lib");
-    p.president = joined(trimmedText(*r, "re_president_int"), QStringLiteral(" "),
-                         trimmedText(*r, "re_president"));
-    p.address1 = trimmedText(*r, "re_ad1");
-    p.address2 = trimmedText(*r, "re_ad2");
-    p.address3 = trimmedText(*r, "re_ad3");
-    p.address4 = trimmedText(*r, "re_ad4");
-    p.postcodeTown =
-        joined(trimmedText(*r, "re_cp"), QStringLiteral(" - "), trimmedText(*r, "re_ville"));
-    p.mail1 = trimmedText(*r, "re_mail1");
-    p.mail2 = trimmedText(*r, "re_mail2");
+    p.account = account;
+    p.name = block.name;
+    p.address1 = block.lines[0];
+    p.address2 = block.lines[1];
+    p.address3 = block.lines[2];
+    p.address4 = block.lines[3];
+    p.postcodeTown = block.postcodeTown(separator);
+    p.mail1 = block.mail1;
+    p.mail2 = block.mail2;
+    return p;
+}
+
+InvoiceParty leagueParty(const Store& store, const QString& code) {
+    const auto l = reference::leagueRecord(store, code);
+    if (!l) throw Refusal(QStringLiteral("La ligue %1 n'existe pas.").arg(code.trimmed()));
+    InvoiceParty p = partyFromBlock(l->block, l->code, kEntrySeparator);
+    p.name = QStringLiteral("L.R. ") + l->block.name;
+    p.president = joined(l->presidentTitle, QStringLiteral(" "), l->president);
     return p;
 }
 
 InvoiceParty committeeParty(const Store& store, const QString& number, AddressBlock block,
                             const QString& invoiceNumber) {
     const QString no = formatNumber(number, 3);
-    const auto r = committeeRow(store, no);
-    if (!r)
+    const auto c = reference::committeeRecord(store, no);
+    if (!c)
         throw Refusal(
             refusedInvoice(invoiceNumber, QStringLiteral(" - veuillez créer le dept : ") + no));
-    if (block == AddressBlock::OnBehalfOf) return committeeItself(*r);
-    const QString entity = trimmedText(*r, "de_facturation").toUpper();
+    if (block == AddressBlock::OnBehalfOf) return committeeItself(*c);
+    const QString entity = c->invoicedBy.toUpper();
     if (entity.isEmpty())
         throw Refusal(
             refusedInvoice(invoiceNumber, QStringLiteral(" - compléter le dept : ") + no));
     if (entity.startsWith(QStringLiteral("CD"))) {
         const QString other = formatNumber(entity.mid(2), 3);
-        if (other == no) return committeeItself(*r);
-        const auto o = committeeRow(store, other);
+        if (other == no) return committeeItself(*c);
+        const auto o = reference::committeeRecord(store, other);
         if (!o)
             throw Refusal(refusedInvoice(invoiceNumber,
                                          QStringLiteral(" - veuillez créer le dept : ") + other));
         return committeeItself(*o);
     }
     // Through its league: the code named, or the committee's own league for a bare "LR".
-    const QString league = entity == QStringLiteral("LR") ? trimmedText(*r, "de_region") : entity;
-    if (!store.exists(QStringLiteral("SELECT 1 FROM strregion WHERE re_code = ?"), {league}))
+    const QString league = entity == QStringLiteral("LR") ? c->league : entity;
+    const auto l = reference::leagueRecord(store, league);
+    if (!l)
         throw Refusal(refusedInvoice(invoiceNumber,
                                      QStringLiteral(" - veuillez créer la region : ") + league));
     // The league pays for its committee at its CSR.
     InvoiceParty p = leagueParty(store, league);
-    const auto l = reference::leagues::find(store, league);
-    const QString title = trimmedText(*l, "re_csr_int");
-    const QString name = trimmedText(*l, "re_csr_nom");
-    if (!title.isEmpty() || !name.isEmpty())
-        p.president = QStringLiteral("C.S.R. ") + title + QStringLiteral(" ") + name;
+    if (!l->csrTitle.isEmpty() || !l->csrName.isEmpty())
+        p.president = QStringLiteral("C.S.R. ") + l->csrTitle + QStringLiteral(" ") + l->csrName;
     return p;
 }
 
 InvoiceParty clubParty(const Store& store, const QString& code) {
-    const auto r = reference::clubs::find(store, code.trimmed());
-    if (!r) throw Refusal(QStringLiteral("Le club %1 n'existe pas.").arg(code.trimmed()));
-    InvoiceParty p;
-    p.account = trimmedText(*r, "club_code");
-    p.name = trimmedText(*r, "club_nom");
-    p.president = trimmedText(*r, "club_president");
-    p.address1 = trimmedText(*r, "club_ad1");
-    p.address2 = trimmedText(*r, "club_ad2");
-    p.address3 = trimmedText(*r, "club_ad3");
-    p.address4 = trimmedText(*r, "club_ad4");
-    p.postcodeTown =
-        joined(trimmedText(*r, "club_cp"), QStringLiteral(" - "), trimmedText(*r, "club_ville"));
-    p.mail1 = trimmedText(*r, "club_mail1");
-    p.mail2 = trimmedText(*r, "club_mail2");
+    const auto c = reference::clubRecord(store, code);
+    if (!c) throw Refusal(QStringLiteral("Le club %1 n'existe pas.").arg(code.trimmed()));
+    InvoiceParty p = partyFromBlock(c->block, c->code, kEntrySeparator);
+    p.president = c->president;
     return p;
 }
 
 InvoiceParty centreParty(const Store& store, const QString& account) {
-    const auto r = reference::centres::find(store, account.trimmed());
-    if (!r)
+    const auto c = reference::centreRecord(store, account);
+    if (!c)
         throw Refusal(
             QStringLiteral("Le centre de bowling %1 n'existe pas.").arg(account.trimmed()));
-    InvoiceParty p;
-    p.account = trimmedText(*r, "b_compte_tiers");
-    p.name = QStringLiteral("BOWLING de :") + QStringLiteral(" ") + trimmedText(*r, "b_ville");
-    p.address1 = trimmedText(*r, "b_ad1");
-    p.address2 = trimmedText(*r, "b_ad2");
-    p.address3 = trimmedText(*r, "b_ad3");
-    p.postcodeTown =
-        joined(trimmedText(*r, "b_cp"), QStringLiteral("-"), trimmedText(*r, "b_ville"));
-    p.mail1 = trimmedText(*r, "b_mail1");
-    p.mail2 = trimmedText(*r, "b_mail2");
+    InvoiceParty p = partyFromBlock(c->own, c->account, QStringLiteral("-"));
+    p.name = QStringLiteral("BOWLING de :") + QStringLiteral(" ") + c->own.town;
     return p;
 }
 

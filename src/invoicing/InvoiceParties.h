@@ -5,6 +5,7 @@
 
 #include "app/ListItems.h"
 #include "invoicing/InvoiceRecords.h"
+#include "reference/PartyRecords.h"
 #include "store/Store.h"
 
 // The invoiced party chosen on the invoice entry screen: what each list offers
@@ -26,6 +27,12 @@
 // committee invoiced through its league is the league in the billing block
 // and itself in "pour le compte de", so the league sees for whom it pays.
 namespace orve::invoicing {
+
+// A party read from its table, laid out in an invoice's block: its name, four
+// lines, postcode and town joined by `separator` (each way of invoicing has
+// its own), and its mails; the caller adds the president's line.
+InvoiceParty partyFromBlock(const reference::PostalBlock& block, const QString& account,
+                            const QString& separator);
 
 // Which address block of the header a choice fills.
 enum class AddressBlock { Billing, OnBehalfOf };

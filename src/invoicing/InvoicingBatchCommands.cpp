@@ -54,13 +54,15 @@ int creditNotes(app::BatchContext& c) {
         throw Refusal(
             QStringLiteral("Argument manquant. Usage : orve-batch %1").arg(kCreditNoteUsage));
     app::Session& session = c.session();
-    const auto issued = issueCreditNotes(
-        session.store(), {numbers.begin(), numbers.end()}, session.today(),
-        [&c](const IssuedCreditNote& note, int, int) {
+    const auto issued = issueCreditNotesWithDocuments(
+        session.store(), documentSettings(session), {numbers.begin(), numbers.end()},
+        session.today(),
+        [&c](const IssuedCreditNote& note, const QString& file, int, int) {
             // Printed as each is committed: a later failure
             // leaves these made, and the output says so.
             c.out() << "avoir N° " << note.creditNote << " : facture N° " << note.invoice
-                    << " annulée\n";
+                    << " annulée\n"
+                    << "document écrit : " << QDir::toNativeSeparators(file) << "\n";
             c.out().flush();
             return true;
         },

@@ -4,6 +4,8 @@
 #include <QProgressDialog>
 #include <QVBoxLayout>
 
+#include "app/Dialogs.h"
+
 namespace orve::imports {
 
 namespace {
@@ -79,6 +81,12 @@ void ImportReportView::showReport(const ImportReport& report, const QString& sum
                            : summary + QStringLiteral("\nFichier lu en %1.").arg(report.encoding));
     m_summary->setVisible(true);
     m_model->setReport(report);
+}
+
+void ImportReportView::conclude(const ImportReport& report, app::Dialogs& dialogs) {
+    const QString closing = report.closing(kProcessingDone);
+    showReport(report, closing);
+    dialogs.inform(closing);
 }
 
 void ImportReportView::clear() {

@@ -8,6 +8,10 @@
 
 #include "imports/ImportReport.h"
 
+namespace orve::app {
+class Dialogs;
+}
+
 namespace orve::imports {
 
 // The lines an import skipped or imported with a remark, as a table the
@@ -33,6 +37,9 @@ class ImportReportView : public QGroupBox {
   public:
     explicit ImportReportView(QWidget* parent = nullptr);
     void showReport(const ImportReport& report, const QString& summary);
+    // The end of an import: its closing words with the counts, here and in
+    // a message.
+    void conclude(const ImportReport& report, app::Dialogs& dialogs);
     void clear();
 
   private:

@@ -78,9 +78,7 @@ void ORVE_int_club::integrate() {
         import.check(ImportFile::read(m_accepted), progress.callback());
         progress.setPhase(kWritingPhase);
         const ImportReport report = import.write(progress.callback());
-        const QString closing = report.closing(kProcessingDone);
-        m_report->showReport(report, closing);
-        m_dialogs.inform(closing);
+        m_report->conclude(report, m_dialogs);
     });
 }
 

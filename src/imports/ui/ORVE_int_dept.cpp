@@ -111,9 +111,7 @@ void ORVE_int_dept::apply() {
         ImportProgressDialog progress(this, QStringLiteral("Intégration des départements"));
         progress.setPhase(QStringLiteral("Validation"));
         const ImportReport report = import.apply(progress.callback());
-        const QString closing = report.closing(kProcessingDone);
-        m_report->showReport(report, closing);
-        m_dialogs.inform(closing);
+        m_report->conclude(report, m_dialogs);
     });
 }
 

@@ -45,14 +45,11 @@ void ORVE_int_prive::integrate() {
         PrivateImport import(m_session.store());
         ImportProgressDialog progress(this, QStringLiteral("Intégration des compétitions privées"));
         progress.setPhase(kCheckingPhase);
-        import.check(ImportFile::read(m_choice->path()), progress.callback());
-        progress.setPhase(kWritingPhase);
-        const bool again =
-            import.duplicates() == 0 || m_dialogs.ask(duplicateQuestion(import.duplicates()));
-        const ImportReport report = import.write(again, progress.callback());
-        const QString closing = report.closing(kProcessingDone);
-        m_report->showReport(report, closing);
-        m_dialogs.inform(closing);
+        const ImportReport report = importCompetitions(
+            import, ImportFile::read(m_choice->path()),
+            {[&](int existing) { return m_dialogs.ask(duplicateQuestion(existing)); },
+             progress.callback(), [&] { progress.setPhase(kWritingPhase); }, progress.callback()});
+        m_report->conclude(report, m_dialogs);
     });
 }
 

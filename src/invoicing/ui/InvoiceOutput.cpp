@@ -43,14 +43,23 @@ void printInvoiceDocument(const QString& printerName, const InvoiceDocumentData&
     painter.end();
 }
 
+void checkInvoicePrinter(const DocumentSettings& settings) {
+    if (!settings.letterhead.printer.isEmpty()) printerByName(settings.letterhead.printer);
+}
+
+void deliverInvoiceDocument(const store::Store& store, const DocumentSettings& settings,
+                            const QString& number, const QString& path) {
+    const QString printer = settings.letterhead.printer;
+    if (!printer.isEmpty())
+        printInvoiceDocument(printer, loadInvoiceDocument(store, number), settings);
+    if (settings.letterhead.openPdf) QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
 QString produceInvoiceDocument(app::Session& session, const QString& number) {
     const DocumentSettings settings = documentSettings(session);
-    const QString printer = settings.letterhead.printer;
-    if (!printer.isEmpty()) printerByName(printer);
+    checkInvoicePrinter(settings);
     const QString path = generateInvoicePdf(session.store(), settings, number);
-    if (!printer.isEmpty())
-        printInvoiceDocument(printer, loadInvoiceDocument(session.store(), number), settings);
-    if (settings.letterhead.openPdf) QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    deliverInvoiceDocument(session.store(), settings, number, path);
     return path;
 }
 

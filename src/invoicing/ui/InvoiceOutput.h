@@ -18,6 +18,12 @@ namespace orve::invoicing {
 // Throws Refusal ("No printer was found by the name of '…'.",
 // "aucune ligne sur cette facture") or StoreError.
 QString produceInvoiceDocument(app::Session& session, const QString& number);
+// Its two halves around a document written elsewhere: the printer named in
+// orve.ini is checked before anything is made (Refusal when missing); once
+// the file is written it goes to that printer and, when asked, the viewer.
+void checkInvoicePrinter(const DocumentSettings& settings);
+void deliverInvoiceDocument(const store::Store& store, const DocumentSettings& settings,
+                            const QString& number, const QString& path);
 
 // Paints a document on the named printer (found by wildcard, without regard
 // to case). Throws Refusal when no printer has that name.

@@ -362,15 +362,17 @@ void ORVE_facture_creation::issueCreditNotes() {
         }
         // Each credit note is committed with its document before the next;
         // cancelling stops between two of them and keeps those made.
+        const DocumentSettings settings = documentSettings(m_session);
+        checkInvoicePrinter(settings);
         const int total = static_cast<int>(check.accepted.size());
         QProgressDialog progress(QStringLiteral("Génération des avoirs"), QStringLiteral("Annuler"),
                                  0, total, this);
         progress.setWindowModality(Qt::WindowModal);
         QStringList done;
-        invoicing::issueCreditNotes(
-            m_session.store(), check.accepted, m_session.today(),
-            [&](const IssuedCreditNote& issued, int count, int) {
-                produceInvoiceDocument(m_session, issued.creditNote);
+        issueCreditNotesWithDocuments(
+            m_session.store(), settings, check.accepted, m_session.today(),
+            [&](const IssuedCreditNote& issued, const QString& file, int count, int) {
+                deliverInvoiceDocument(m_session.store(), settings, issued.creditNote, file);
                 done << QStringLiteral("avoir N° %1 sur la facture N° %2")
                             .arg(issued.creditNote, issued.invoice);
                 progress.setLabelText(QStringLiteral("%1 sur %2").arg(count).arg(total));
