@@ -14,8 +14,7 @@ QString field(const store::Row& r, const QString& prefix, const char* suffix) {
 }
 
 // Every party table names its columns prefix + "_ad1", "_cp", "_ville"…
-PostalBlock blockOf(const store::Row& r, const QString& prefix, const char* nameColumn,
-                    int lines) {
+PostalBlock blockOf(const store::Row& r, const QString& prefix, const char* nameColumn, int lines) {
     PostalBlock b;
     b.name = r.value(QLatin1String(nameColumn)).toString().trimmed();
     for (int i = 0; i < lines; ++i)

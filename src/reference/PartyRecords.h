@@ -45,7 +45,7 @@ struct ClubRecord {
 };
 
 struct CentreRecord {
-    QString account;  // b_compte_tiers
+    QString account;        // b_compte_tiers
     PostalBlock own;        // b_nom, b_ad1..b_ad3, b_cp, b_ville
     PostalBlock invoicing;  // b_fac_nom, b_fac_ad1..4, b_fac_cp, b_fac_ville
 };

@@ -17,6 +17,7 @@
 #include "app/Dialogs.h"
 #include "app/SignIn.h"
 #include "app/ui/DataGrid.h"
+#include "support/ScreenTesting.h"
 #include "support/TestInstall.h"
 
 using namespace orve;
@@ -24,12 +25,7 @@ using namespace orve::accounting;
 
 namespace {
 
-template <typename T>
-T* child(QWidget* w, const char* name) {
-    T* c = w->findChild<T*>(QString::fromLatin1(name));
-    if (!c) ADD_FAILURE() << "no control " << name;
-    return c;
-}
+using test::child;
 
 QString text(QWidget* w, const char* label) { return child<QLabel>(w, label)->text(); }
 

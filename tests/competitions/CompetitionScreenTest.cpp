@@ -14,6 +14,7 @@
 #include "competitions/CompetitionRegister.h"
 #include "competitions/ui/ORVE_ges_competition.h"
 #include "reference/Visibility.h"
+#include "support/ScreenTesting.h"
 #include "support/TestInstall.h"
 
 using namespace orve;
@@ -21,30 +22,10 @@ using namespace orve::competitions;
 
 namespace {
 
-template <typename T>
-T* child(QWidget* w, const char* name) {
-    T* c = w->findChild<T*>(QString::fromLatin1(name));
-    if (!c) ADD_FAILURE() << "no control " << name;
-    return c;
-}
-
-void pickItem(QComboBox* combo, const QString& startsWith) {
-    const int i = combo->findText(startsWith, Qt::MatchStartsWith);
-    ASSERT_GE(i, 0) << startsWith.toStdString();
-    combo->setCurrentIndex(i);
-    emit combo->activated(i);
-}
-
-void type(QLineEdit* box, const QString& text) {
-    box->setText(text);
-    emit box->textEdited(text);
-    emit box->editingFinished();
-}
-
-std::string next(app::ScriptedDialogs& dialogs) {
-    return dialogs.shown().empty() ? std::string("(no message)")
-                                   : dialogs.takeShown().toStdString();
-}
+using test::child;
+using test::next;
+using test::pickItem;
+using test::type;
 
 int rowOf(app::DataGrid* grid, const QString& index) {
     grid->storeModel()->fetchAll();

@@ -11,6 +11,7 @@
 #include "app/Dialogs.h"
 #include "app/ui/DataGrid.h"
 #include "invoicing/ui/ORVE_facture_creation.h"
+#include "support/ScreenTesting.h"
 #include "support/TestInstall.h"
 
 using namespace orve;
@@ -18,19 +19,8 @@ using namespace orve::invoicing;
 
 namespace {
 
-template <typename T>
-T* child(QWidget* w, const char* name) {
-    T* c = w->findChild<T*>(QString::fromLatin1(name));
-    if (!c) ADD_FAILURE() << "no control " << name;
-    return c;
-}
-
-void pickItem(QComboBox* combo, const QString& startsWith) {
-    const int i = combo->findText(startsWith, Qt::MatchStartsWith);
-    ASSERT_GE(i, 0) << startsWith.toStdString();
-    combo->setCurrentIndex(i);
-    emit combo->activated(i);
-}
+using test::child;
+using test::pickItem;
 
 }  // namespace
 

@@ -16,6 +16,7 @@
 #include "invoicing/InvoiceMailing.h"
 #include "invoicing/ui/ORVE_facture_creation.h"
 #include "support/DemoInvoices.h"
+#include "support/ScreenTesting.h"
 #include "support/SmtpTestServer.h"
 #include "support/TestInstall.h"
 
@@ -24,14 +25,8 @@ using namespace orve::invoicing;
 
 namespace {
 
-template <typename T>
-T* child(QWidget* w, const char* name) {
-    T* c = w->findChild<T*>(QString::fromLatin1(name));
-    if (!c) ADD_FAILURE() << "no control " << name;
-    return c;
-}
-
-void click(QWidget* w, const char* name) { child<QPushButton>(w, name)->click(); }
+using test::child;
+using test::click;
 
 }  // namespace
 

@@ -12,18 +12,14 @@
 #include "app/ui/ScreenSupport.h"
 #include "reference/ui/ORVE_ges_naturec.h"
 #include "reference/ui/ORVE_tiers_club.h"
+#include "support/ScreenTesting.h"
 #include "support/TestInstall.h"
 
 using namespace orve;
 
 namespace {
 
-template <typename T>
-T* child(QWidget* w, const char* name) {
-    T* c = w->findChild<T*>(name);
-    EXPECT_TRUE(c) << name;
-    return c;
-}
+using test::child;
 
 bool looksLocked(QLineEdit* box) {
     return box->isReadOnly() &&

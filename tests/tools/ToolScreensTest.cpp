@@ -12,6 +12,7 @@
 
 #include "app/Dialogs.h"
 #include "app/ui/ScreenCatalog.h"
+#include "support/ScreenTesting.h"
 #include "support/TestInstall.h"
 #include "tools/ToolsSeed.h"
 #include "tools/ui/ORVE_out_newnumero.h"
@@ -25,12 +26,7 @@ namespace seed = orve::test::seed;
 
 namespace {
 
-template <typename T>
-T* child(QWidget* w, const char* name) {
-    T* c = w->findChild<T*>(QString::fromLatin1(name));
-    if (!c) ADD_FAILURE() << "no control " << name;
-    return c;
-}
+using test::child;
 
 bool accepts(QLineEdit* box, QString text) {
     int pos = 0;
