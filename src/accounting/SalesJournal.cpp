@@ -1,6 +1,7 @@
 #include "accounting/SalesJournal.h"
 
 #include "accounting/ReportSql.h"
+#include "invoicing/RecordStates.h"
 
 namespace orve::accounting {
 
@@ -23,7 +24,7 @@ store::Condition statusCondition(InvoicingStatus status) {
         case InvoicingStatus::AwaitingLines:
             return {QStringLiteral("trim(COALESCE(c.c_facture, '')) = ''")};
         case InvoicingStatus::ManualInvoicing:
-            return {QStringLiteral("c.c_facture = ?"), {QStringLiteral("X")}};
+            return {QStringLiteral("c.c_facture = ?"), {invoicing::kPseudoState}};
         case InvoicingStatus::AwaitingInvoicing:
             return {QStringLiteral("c.c_facture = ?"), {QStringLiteral("C")}};
         case InvoicingStatus::Invoiced:

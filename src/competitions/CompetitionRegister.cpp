@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <QSet>
 
+#include "invoicing/RecordStates.h"
 #include "reference/ReferenceCodes.h"
 #include "store/Clock.h"
 #include "store/Formats.h"
@@ -178,8 +179,8 @@ int buildPartyRows(Store& store, const CompetitionRecord& record, const QString&
                       {"c_date_facture", format::kEmptyDateMask},
                       {"c_tri_facture", " "},
                       {"c_edt", " "},
-                      {"c_edt_fact", "NON"},
-                      {"c_envoi_mail", "N"},
+                      {"c_edt_fact", invoicing::kNoDocument},
+                      {"c_envoi_mail", invoicing::kNo},
                       {"c_add_tiers", "N"},
                       {"c_date_enreg", stamp},
                       {"c_date_modif", stamp}};

@@ -5,6 +5,7 @@
 #include <array>
 #include <optional>
 
+#include "invoicing/RecordStates.h"
 #include "reference/Visibility.h"
 #include "store/Condition.h"
 #include "store/Store.h"
@@ -18,11 +19,11 @@ inline const QString kMasterReference = QStringLiteral("00000000");
 inline const QString kFederalType = QStringLiteral("FD");
 
 // States of c_facture.
-inline const QString kMasterState = QStringLiteral("G");
-inline const QString kOpenState = QStringLiteral(" ");
-inline const QString kCalculatedState = QStringLiteral("C");
-inline const QString kWrittenState = QStringLiteral("A");
-inline const QString kInvoicedState = QStringLiteral("F");
+using invoicing::kCalculatedState;
+using invoicing::kInvoicedState;
+using invoicing::kMasterState;
+using invoicing::kOpenState;
+using invoicing::kWrittenState;
 
 // Who the party rows are invoiced to (c_nat_fact, c_organisateur).
 inline const QString kClubs = QStringLiteral("C");

@@ -7,6 +7,7 @@
 #include "competitions/InvoicingRuns.h"
 #include "invoicing/InvoiceFiles.h"
 #include "invoicing/InvoiceParties.h"
+#include "invoicing/RecordStates.h"
 #include "reference/PartyRecords.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
@@ -98,9 +99,9 @@ store::Fields headerFields(const QString& number, const PreparedInvoice& inv, co
             {"ent_clt_cp_ville", p.postcodeTown},
             {"ent_acompte", 0},
             {"ent_montant", QVariant::fromValue<qint64>(total.cents())},
-            {"ent_fact_edt", "N"},  // printed once its document is on disk
-            {"ent_envoi_mail", "N"},
-            {"ent_compta", "N"}};
+            {"ent_fact_edt", invoicing::kNo},  // printed once its document is on disk
+            {"ent_envoi_mail", invoicing::kNo},
+            {"ent_compta", invoicing::kNo}};
 }
 
 // The invoice and its lines, under the numbering lock, in one transaction

@@ -6,6 +6,7 @@
 
 #include "invoicing/InvoiceFiles.h"
 #include "invoicing/InvoiceRecords.h"
+#include "invoicing/RecordStates.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 
@@ -84,10 +85,10 @@ QString issueOne(Store& store, const QString& invoice, const QDate& today,
     fields.emplace_back("ent_fact_date", format::displayDate(today));
     fields.emplace_back("ent_fact_tri", format::sortDate(today));
     fields.emplace_back("ent_fact_echeance", format::displayDate(today));
-    fields.emplace_back("ent_envoi_mail", "N");
-    fields.emplace_back("ent_fact_edt", "N");
+    fields.emplace_back("ent_envoi_mail", kNo);
+    fields.emplace_back("ent_fact_edt", kNo);
     fields.emplace_back("ent_fact_type", kCreditNoteType);
-    fields.emplace_back("ent_compta", "N");
+    fields.emplace_back("ent_compta", kNo);
     fields.emplace_back("ent_montant", 0);
     // The deposit was paid on the invoice; nothing of it is owed back here.
     fields.emplace_back("ent_acompte", 0);

@@ -2,6 +2,7 @@
 
 #include "invoicing/CreditNotes.h"
 #include "invoicing/InvoiceRecords.h"
+#include "invoicing/RecordStates.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 #include "store/Seasons.h"
@@ -100,9 +101,9 @@ void createDemoInvoices(store::Store& s, const QDate& today) {
               {"ent_fact_tri", format::sortDate(today)},
               {"ent_montant", 0},
               {"ent_acompte", 0},
-              {"ent_fact_edt", "N"},
-              {"ent_envoi_mail", "O"},
-              {"ent_compta", "O"}});
+              {"ent_fact_edt", kNo},
+              {"ent_envoi_mail", kYes},
+              {"ent_compta", kYes}});
 
     const QDate day = today.addDays(-10);
     const InvoiceParty none;

@@ -20,6 +20,7 @@
 
 #include "invoicing/InvoiceDocument.h"
 #include "invoicing/InvoiceLayout.h"
+#include "invoicing/RecordStates.h"
 #include "store/FileNames.h"
 #include "store/FileWriting.h"
 #include "store/Formats.h"
@@ -221,7 +222,7 @@ void markPrinted(store::Store& store, const std::vector<Printed>& documents) {
         store::Transaction tx(store);
         for (const Printed& d : documents)
             store.update(QStringLiteral("strentete"),
-                         {{"ent_fact_edt", "O"},
+                         {{"ent_fact_edt", kYes},
                           {"ent_montant", QVariant::fromValue<qint64>(d.total.cents())}},
                          QStringLiteral("ent_fact_no = ?"), {d.number});
         tx.commit();
@@ -229,11 +230,12 @@ void markPrinted(store::Store& store, const std::vector<Printed>& documents) {
     store::Transaction tx(store);
     for (const Printed& d : documents)
         store.update(QStringLiteral("strcompetition"),
-                     {{"c_facture", "F"},
-                      {"c_edt_fact", "OUI"},
-                      {"c_add_tiers", "N"},
-                      {"c_envoi_mail", "N"}},
-                     QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {d.number});
+                     {{"c_facture", kInvoicedState},
+                      {"c_edt_fact", kDocumentMade},
+                      {"c_add_tiers", kNo},
+                      {"c_envoi_mail", kNo}},
+                     QStringLiteral("c_num_facture = ? AND c_facture <> ?"),
+                     {d.number, kPseudoState});
     tx.commit();
 }
 
@@ -277,7 +279,7 @@ std::vector<QString> generateCreditNotePdfs(store::Store& store, const DocumentS
         const InvoiceDocumentData doc = loadInvoiceDocument(store, h.value(0).toString());
         const QString path = writePdf(doc, settings);
         store::Transaction tx(store);
-        store.update(QStringLiteral("strentete"), {{"ent_fact_edt", "O"}},
+        store.update(QStringLiteral("strentete"), {{"ent_fact_edt", kYes}},
                      QStringLiteral("ent_fact_no = ?"), {doc.number});
         tx.commit();
         written.push_back(path);

@@ -8,6 +8,7 @@
 
 #include "invoicing/InvoiceFiles.h"
 #include "invoicing/InvoiceRecords.h"
+#include "invoicing/RecordStates.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 
@@ -58,16 +59,17 @@ std::vector<QString> inNumberOrder(const std::vector<QString>& invoices) {
 void markMailed(Store& store, const PreparedMail& mail) {
     {
         store::Transaction tx(store);
-        store.update(QStringLiteral("strcompetition"), {{"c_envoi_mail", "O"}},
-                     QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"), {mail.invoice});
+        store.update(QStringLiteral("strcompetition"), {{"c_envoi_mail", kYes}},
+                     QStringLiteral("c_num_facture = ? AND c_facture <> ?"),
+                     {mail.invoice, kPseudoState});
         tx.commit();
     }
     store::Transaction tx(store);
-    store.update(QStringLiteral("strentete"), {{"ent_envoi_mail", "O"}},
+    store.update(QStringLiteral("strentete"), {{"ent_envoi_mail", kYes}},
                  QStringLiteral("ent_fact_no = ?"), {mail.invoice});
     tx.commit();
     store.scratch().update(
-        QStringLiteral("strenvoi"), {{"c_edt", kNoTick}, {"ent_envoi_mail", "O"}},
+        QStringLiteral("strenvoi"), {{"c_edt", kNoTick}, {"ent_envoi_mail", kYes}},
         QStringLiteral("x_liste = ? AND ent_fact_no = ?"), {kList, mail.invoice});
 }
 

@@ -1,5 +1,6 @@
 #include "invoicing/InvoiceRecords.h"
 
+#include "invoicing/RecordStates.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 
@@ -150,9 +151,9 @@ QString createInvoice(Store& store, const InvoiceHeader& header, const QDate& /*
     fields.push_back({"ent_montant", 0});
     fields.push_back({"ent_niveau", header.level});
     // Printed once its document is on disk, not before.
-    fields.push_back({"ent_fact_edt", "N"});
-    fields.push_back({"ent_envoi_mail", "N"});
-    fields.push_back({"ent_compta", "N"});
+    fields.push_back({"ent_fact_edt", kNo});
+    fields.push_back({"ent_envoi_mail", kNo});
+    fields.push_back({"ent_compta", kNo});
     store.insert(QStringLiteral("strentete"), fields);
     const store::Row row = requireHeader(store, number);
     insertLine(store, row, QStringLiteral("01"), kFirstLineArticle, kUndefinedText, 0, Money(),
@@ -328,13 +329,14 @@ void renumberCopiedLines(Store& store, const QString& number) {
 void markCompetitionInvoiced(Store& store, const QString& competitionIndex, const QString& number,
                              const QDate& date) {
     Transaction tx(store);
-    // The pseudo-competitions ("X") group invoices and never carry one number.
+    // The pseudo-competitions group invoices and never carry one number.
     store.update(QStringLiteral("strcompetition"),
-                 {{"c_facture", "A"},
+                 {{"c_facture", kWrittenState},
                   {"c_num_facture", number.trimmed()},
                   {"c_date_facture", format::displayDate(date)},
                   {"c_tri_facture", format::sortDate(date)}},
-                 QStringLiteral("c_index = ? AND c_facture <> 'X'"), {competitionIndex});
+                 QStringLiteral("c_index = ? AND c_facture <> ?"),
+                 {competitionIndex, kPseudoState});
     tx.commit();
 }
 
@@ -345,14 +347,14 @@ int resetCompetitionInvoicing(Store& store, const std::vector<QString>& numbers)
         changed += store.update(QStringLiteral("strcompetition"),
                                 {{"c_num_facture", " "},
                                  {"c_date_facture", format::kEmptyDateMask},
-                                 {"c_facture", " "},
+                                 {"c_facture", kOpenState},
                                  {"c_tri_facture", " "},
                                  {"c_edt", " "},
-                                 {"c_edt_fact", "NON"},
+                                 {"c_edt_fact", kNoDocument},
                                  {"c_add_tiers", " "},
-                                 {"c_envoi_mail", "N"}},
-                                QStringLiteral("c_num_facture = ? AND c_facture <> 'X'"),
-                                {number.trimmed()});
+                                 {"c_envoi_mail", kNo}},
+                                QStringLiteral("c_num_facture = ? AND c_facture <> ?"),
+                                {number.trimmed(), kPseudoState});
     tx.commit();
     return changed;
 }

@@ -9,6 +9,7 @@
 #include "competitions/RowInvoicing.h"
 #include "invoicing/InvoiceParties.h"
 #include "invoicing/InvoiceRecords.h"
+#include "invoicing/RecordStates.h"
 #include "reference/Visibility.h"
 #include "store/Formats.h"
 #include "store/Money.h"
@@ -92,13 +93,13 @@ void invoicePastCompetition(Store& s, const reference::Viewer& viewer, const QSt
                   {"c_num_facture", number},
                   {"c_date_facture", format::displayDate(day)},
                   {"c_tri_facture", format::sortDate(day)},
-                  {"c_edt_fact", QStringLiteral("OUI")},
-                  {"c_envoi_mail", QStringLiteral("O")}},
+                  {"c_edt_fact", invoicing::kDocumentMade},
+                  {"c_envoi_mail", invoicing::kYes}},
                  QStringLiteral("c_index = ?"), {h.competitionIndex});
         // Mailed when they were made; the transfer to accounting is still to do.
         s.update(QStringLiteral("strentete"),
                  {{"ent_montant", QVariant::fromValue<qint64>(total.cents())},
-                  {"ent_envoi_mail", QStringLiteral("O")}},
+                  {"ent_envoi_mail", invoicing::kYes}},
                  QStringLiteral("ent_fact_no = ?"), {number});
     }
     competitions::closeCompetitionWhenInvoiced(s, index);
@@ -348,7 +349,7 @@ void fillImportedCompetitions(Store& s, int season) {
                   {"c_nat_fact", "C"},
                   {"c_fact_ligne", "N"},
                   {"c_fact_engagement", "N"},
-                  {"c_envoi_mail", "N"},
+                  {"c_envoi_mail", invoicing::kNo},
                   {"c_add_tiers", "N"}});
     }
 }
