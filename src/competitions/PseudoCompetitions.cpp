@@ -14,10 +14,10 @@ struct PseudoCompetition {
 
 // Fixed in the program on purpose: these rows are not derived from the date.
 const PseudoCompetition kPseudoCompetitions[] = {
-    {kLicenceIndex, "Licence Saison 2018-2019", "LIC"},
-    {kMiscIndex, "Facture Divers", "DIV"},
-    {kLeagueIndex, "Facture Ligues", "LI"},
-    {kRegionalDayIndex, "Facture Journées LR CD", "JORE"},
+    {invoicing::kLicenceIndex, "Licence Saison 2018-2019", "LIC"},
+    {invoicing::kMiscIndex, "Facture Divers", "DIV"},
+    {invoicing::kLeagueIndex, "Facture Ligues", "LI"},
+    {invoicing::kRegionalDayIndex, "Facture Journées LR CD", "JORE"},
 };
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <QString>
 #include <vector>
 
-#include "competitions/PseudoCompetitions.h"
+#include "invoicing/InvoiceHomes.h"
 #include "store/Condition.h"
 #include "store/Money.h"
 #include "store/Store.h"
@@ -27,12 +27,6 @@ inline const QString kInvoiceSeries = QStringLiteral("strentete.ent_fact_no");
 
 inline const QString kInvoiceType = QStringLiteral("F");
 inline const QString kCreditNoteType = QStringLiteral("A");
-
-// Invoices that belong to no competition are filed under these.
-using competitions::kLeagueIndex;
-using competitions::kLicenceIndex;
-using competitions::kMiscIndex;
-using competitions::kRegionalDayIndex;
 
 // Name and address of a party as the header keeps it. A party is either a
 // third party with an account (`account`) or a free address known by an

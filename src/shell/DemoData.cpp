@@ -9,6 +9,7 @@
 #include "competitions/CompetitionRegister.h"
 #include "competitions/PseudoCompetitions.h"
 #include "invoicing/DemoInvoices.h"
+#include "invoicing/InvoiceHomes.h"
 #include "shell/DemoCompetitions.h"
 #include "shell/DemoSettings.h"
 #include "store/Formats.h"
@@ -504,7 +505,7 @@ void createDemoInstallation(const QString& dir, const QDate& today, const QStrin
         store->update(
             QStringLiteral("strcompetition"),
             {{"c_intitule", QStringLiteral("Licence Saison %1-%2").arg(season - 1).arg(season)}},
-            QStringLiteral("c_index = ?"), {competitions::kLicenceIndex});
+            QStringLiteral("c_index = ?"), {invoicing::kLicenceIndex});
         invoicing::createDemoInvoices(*store, today);
         fillCompetitions(*store, season, today);
         fillImportedCompetitions(*store, season);

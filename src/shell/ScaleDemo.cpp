@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "app/Startup.h"
-#include "competitions/PseudoCompetitions.h"
+#include "invoicing/InvoiceHomes.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 #include "store/Seasons.h"
@@ -386,10 +386,10 @@ class Generator {
             const QString& index;
             const char* nature;
             const char* title;
-        } kinds[] = {{competitions::kLicenceIndex, "LIC", "Licences"},
-                     {competitions::kMiscIndex, "DIV", "Facture Divers"},
-                     {competitions::kLeagueIndex, "LI", "Facture Ligues"},
-                     {competitions::kRegionalDayIndex, "JORE", "Facture Journées LR CD"}};
+        } kinds[] = {{invoicing::kLicenceIndex, "LIC", "Licences"},
+                     {invoicing::kMiscIndex, "DIV", "Facture Divers"},
+                     {invoicing::kLeagueIndex, "LI", "Facture Ligues"},
+                     {invoicing::kRegionalDayIndex, "JORE", "Facture Journées LR CD"}};
         std::vector<Pseudo> pseudo;
         for (const auto& k : kinds) {
             QString index = k.index;

@@ -347,7 +347,7 @@ TEST(CompetitionRegister, OpeningReleasesCalculatedRowsButNotThoseOfARunOrWithAn
     EXPECT_EQ(column(s, "FD700009", "c_num_facture"), "9");
     EXPECT_EQ(column(s, "FD700003", "c_facture"), "F");
     EXPECT_EQ(column(s, "FD700001", "c_facture"), "G");
-    EXPECT_EQ(column(s, kLicenceIndex, "c_facture"), "X");
+    EXPECT_EQ(column(s, invoicing::kLicenceIndex, "c_facture"), "X");
 }
 
 TEST(CompetitionCalculation, EachBranchMarksAndClears) {

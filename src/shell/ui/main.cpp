@@ -12,7 +12,9 @@
 #include "app/ui/ORVE_menu.h"
 #include "app/ui/OrveApplication.h"
 #include "app/ui/QtDialogs.h"
+#if defined(ORVE_WITH_SCENARIOS)
 #include "app/ui/ScenarioRunner.h"
+#endif
 #include "app/ui/ScreenCatalog.h"
 #include "shell/Composition.h"
 #include "shell/QtMessages.h"
@@ -48,6 +50,16 @@ int main(int argc, char** argv) {
     using namespace orve::app;
     const QString scenario = optionValue(argc, argv, "--scenario");
     const QString home = optionValue(argc, argv, "--home");
+#if !defined(ORVE_WITH_SCENARIOS)
+    // A release build leaves the test driver out; say so rather than open
+    // the desktop as if the option had not been given.
+    if (!scenario.isEmpty()) {
+        std::fprintf(stderr,
+                     "Les scénarios ne sont pas disponibles dans cette version d'ORVE "
+                     "(construite sans ORVE_SCENARIOS).\n");
+        return 1;
+    }
+#endif
     if (!scenario.isEmpty()) {
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     } else if (displayMissing()) {
@@ -72,6 +84,7 @@ int main(int argc, char** argv) {
         resolveProgramFolder(home, QCoreApplication::applicationDirPath());
     const orve::Clock clock = orve::Clock::fromEnvironment();
 
+#if defined(ORVE_WITH_SCENARIOS)
     if (!scenario.isEmpty()) {
         ScriptedDialogs dialogs;
         app.setDialogs(&dialogs);
@@ -100,6 +113,7 @@ int main(int argc, char** argv) {
         }
         return 0;
     }
+#endif
 
     QtDialogs dialogs;
     app.setDialogs(&dialogs);
