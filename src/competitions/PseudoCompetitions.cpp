@@ -64,14 +64,14 @@ void ensurePseudoCompetitions(store::Store& store, const QDate& today) {
                       {"c_arbitre", "NC"},
                       {"c_date_enreg", todayText},
                       {"c_date_modif", todayText},
-                      {"c_facture", "X"},
+                      {"c_facture", invoicing::kPseudoState},
                       {"c_tri_facture", " "},
                       {"c_num_facture", " "},
-                      {"c_edt_fact", "OUI"},
+                      {"c_edt_fact", invoicing::kDocumentMade},
                       {"c_nat_fact", "R"},
                       {"c_fact_ligne", "N"},
                       {"c_fact_engagement", "O"},
-                      {"c_envoi_mail", "N"},
+                      {"c_envoi_mail", invoicing::kNo},
                       {"c_add_tiers", "N"},
                       {"index_reference", "00000000"}});
     }
