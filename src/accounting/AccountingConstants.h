@@ -6,10 +6,6 @@
 // the program: default accounts, file names, and the operator's messages.
 namespace orve::accounting {
 
-// The user league that exports in the national layout; every other league
-// exports in the league layout.
-inline const QString kNationalLeague = QStringLiteral("JKV");
-
 // Accounts and analysis codes used when the data give none.
 inline const QString kDefaultSalesAccount = QStringLiteral("700000000");
 inline const QString kDefaultAnalysisCode = QStringLiteral("000");

@@ -1,3 +1,6 @@
+// A transfer's file and its marks as one unit: written under a temporary
+// name, put in place after the marks are committed, finished by the next run
+// when a run stops between the two; a file shown again or cancelled.
 #include "accounting/AccountingTransfer.h"
 
 #include <QDir>
@@ -15,17 +18,14 @@
 #endif
 
 #include "accounting/AccountingConstants.h"
-#include "accounting/ReportSql.h"
+#include "accounting/TransferStatements.h"
 #include "invoicing/InvoiceRecords.h"
-#include "reference/Visibility.h"
 #include "store/FileWriting.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 #include "store/Settings.h"
 
 namespace orve::accounting {
-
-using Kind = ReportColumn::Kind;
 
 namespace {
 
@@ -36,59 +36,6 @@ const QString kWriting = QStringLiteral("E");
 const QString kWritten = QStringLiteral("T");
 // Headers updated by one statement; well under both engines' limits on values.
 constexpr int kChunk = 200;
-
-// The nature's tariff of a line's article (strtarif, the earliest first).
-QString lineTariff(const QString& column) {
-    return QStringLiteral(
-               "(SELECT t.%1 FROM strtarif t WHERE t.t_nature = f.f_nature AND t.t_article = "
-               "f.f_article ORDER BY t.t_tri_deb LIMIT 1)")
-        .arg(column);
-}
-
-// The accounts of a line. National: the tariff's account alone (a line
-// without one is written without account, and the clerk is told before);
-// its second code, else the line's nature. League: the article's account and,
-// for licences and miscellaneous articles, its analysis code; any other
-// article takes the line's nature.
-QString accountColumns(TransferLayout layout) {
-    if (layout == TransferLayout::National)
-        return QStringLiteral(
-                   "COALESCE(%1, '') AS t_kvarn, "
-                   "COALESCE(NULLIF(%2, ''), NULLIF(f.f_nature, ''), '%3') AS t_jkv")
-            .arg(lineTariff(QStringLiteral("t_kvarn")), lineTariff(QStringLiteral("t_jkv")),
-                 kDefaultAnalysisCode);
-    return QStringLiteral(
-               "COALESCE(NULLIF(a.a_cpta, ''), '%1') AS t_kvarn, CASE WHEN a.a_nature IN ('%2', "
-               "'%3') THEN COALESCE(NULLIF(a.a_analytique, ''), '%4') ELSE "
-               "COALESCE(NULLIF(f.f_nature, ''), '%4') END AS t_jkv")
-        .arg(kDefaultSalesAccount, kLicenceNature, kMiscNature, kDefaultAnalysisCode);
-}
-
-// Headers of the selected competitions not yet transferred, and all their
-// lines, in one statement.
-const QString kTransferFrom =
-    QStringLiteral(
-        " FROM strcompetition c JOIN strentete e ON e.ent_c_index = c.c_index "
-        "JOIN strfacture f ON f.f_num_facture = ") +
-    sql::kPaddedHeaderNumber;
-
-store::Condition transferCondition(const invoicing::SelectionCondition& s, const QString& level) {
-    store::Condition c = s.competitions;
-    // Each level transfers into its own books what it issued.
-    if (level.trimmed().compare(reference::kNationalLevel, Qt::CaseInsensitive) == 0)
-        c &= store::Condition(QStringLiteral(
-            "(e.ent_niveau IS NULL OR trim(e.ent_niveau) = '' OR upper(e.ent_niveau) = 'JKV')"));
-    else
-        c &= store::Condition(QStringLiteral("upper(e.ent_niveau) = upper(?)"), {level.trimmed()});
-    c &= store::Condition(
-        QStringLiteral("COALESCE(e.ent_compta, '%1') <> '%2'").arg(kNotTransferred, kTransferred));
-    // The month chooses whole invoices, by their date.
-    if (s.monthKey != invoicing::kNoMonth)
-        c &= store::Condition(QStringLiteral("substr(e.ent_fact_tri, 1, 6) = ?"), {s.monthKey});
-    if (!s.invoiceNumber.isEmpty())
-        c &= store::Condition(QStringLiteral("e.ent_fact_no = ?"), {s.invoiceNumber});
-    return c;
-}
 
 QString path(const QString& p) { return QDir::toNativeSeparators(p); }
 
@@ -165,73 +112,6 @@ int forEachChunk(store::Store& store, const QString& sql, const store::Params& l
     return changed;
 }
 
-// A value of the statement joined into a file's text: its ";" made ",".
-QString fileText(const QString& expression) {
-    return QStringLiteral("replace(COALESCE(%1, ''), ';', ',')").arg(expression);
-}
-
-// The statement of a file: what it needs of each line, its fixed fields
-// joined with their ";".
-QString fileStatement(TransferLayout layout, const store::Condition& where) {
-    const QString from = kTransferFrom +
-                         QStringLiteral(" LEFT JOIN strarticle a ON a.a_index = f.f_article") +
-                         where.where();
-    if (layout == TransferLayout::League)
-        return QStringLiteral(
-                   "SELECT f.f_num_facture AS c_num_facture, f.f_num_facture || ';' || ") +
-               sql::kLineDate + QStringLiteral(" || ';' || ") +
-               fileText(QStringLiteral("e.ent_fact_echeance")) +
-               QStringLiteral(" || ';' AS x_lead, ") + sql::kLineDate +
-               QStringLiteral(" AS c_date_facture, f.f_tiers_fact, f.f_montant, ") +
-               accountColumns(layout) + QStringLiteral(", e.ent_fact_no") + from +
-               QStringLiteral(" ORDER BY c_num_facture, f.f_num_lig");
-    // National lines of the same invoice, account and code are summed: the
-    // lines with their accounts first (each account read once), then grouped,
-    // so that only the lines of the file travel.
-    return QStringLiteral(
-               "WITH l AS MATERIALIZED (SELECT f.f_num_facture AS c_num_facture, "
-               "c.c_saison, ") +
-           sql::kLineDate +
-           QStringLiteral(
-               " AS c_date_facture, e.ent_fact_echeance, e.ent_tiers_fact, "
-               "e.ent_c_index, c.c_numero, c.c_nature, c.c_cod2, c.c_intitule, "
-               "f.f_montant, e.ent_fact_no, ") +
-           accountColumns(layout) + from +
-           QStringLiteral(
-               ") SELECT c_num_facture, COALESCE(MIN(c_saison), '') || "
-               "substr(c_num_facture, length(c_num_facture) - 3) || ';' || "
-               "MIN(c_date_facture) || ';' AS x_lead, ") +
-           fileText(QStringLiteral("MIN(ent_fact_echeance)")) + QStringLiteral(" || ';' || ") +
-           fileText(QStringLiteral("trim(MIN(ent_tiers_fact))")) + QStringLiteral(" || ';' || ") +
-           fileText(QStringLiteral("MIN(ent_c_index)")) +
-           QStringLiteral(" || ';' AS x_header, MIN(c_numero) AS c_numero, ") +
-           fileText(QStringLiteral("MIN(c_nature)")) + QStringLiteral(" || ';' || ") +
-           fileText(QStringLiteral("MIN(c_cod2)")) + QStringLiteral(" || ';' || ") +
-           fileText(QStringLiteral("MIN(c_intitule)")) +
-           QStringLiteral(
-               " || ';' AS x_competition, CAST(SUM(f_montant) AS BIGINT) AS f_montant, "
-               "t_kvarn, t_jkv, MIN(ent_fact_no) AS ent_fact_no FROM l GROUP BY "
-               "c_num_facture, t_kvarn, t_jkv ORDER BY c_num_facture, t_kvarn, t_jkv");
-}
-
-// Reads the lines, their fields found once by name.
-template <typename Line, typename Fill>
-std::vector<Line> fileLines(const store::Rows& rows, const std::vector<const char*>& names,
-                            Fill fill) {
-    std::vector<Line> out;
-    if (rows.empty()) return out;
-    std::vector<int> at;
-    for (const char* n : names) at.push_back(rows.front().indexOf(QLatin1String(n)));
-    out.reserve(rows.size());
-    for (const auto& r : rows) out.push_back(fill(r, at));
-    return out;
-}
-
-std::optional<QString> optionalText(const store::Row& r, int i) {
-    if (r.isNull(i)) return std::nullopt;
-    return r.value(i).toString();
-}
-
 CustomerAccounts customerAccounts(const store::Store& store) {
     CustomerAccounts accounts;
     for (const auto& r : store.select(QStringLiteral("SELECT club_code, club_compta FROM strclub")))
@@ -267,100 +147,6 @@ void markPlaced(store::Store& store, const QString& file, const QString& tempora
 
 }  // namespace
 
-const std::vector<ReportColumn>& transferColumns() {
-    static const std::vector<ReportColumn> columns{
-        {QStringLiteral("N° Facture"), "c_num_facture"},
-        {QStringLiteral("Ligne"), "c_fact_ir"},
-        {QStringLiteral("Date Facture"), "c_date_facture"},
-        {QStringLiteral("Date Echeance"), "c_date_enreg"},
-        {QStringLiteral("Tiers facturé"), "f_tiers_fact"},
-        {QStringLiteral("Saison"), "c_saison"},
-        {QStringLiteral("index"), "c_index"},
-        {QStringLiteral("Intitulé de la compétiton"), "c_intitule"},
-        {QStringLiteral("Nature"), "c_nature"},
-        {QStringLiteral("article"), "f_article"},
-        {QStringLiteral("Produits facturés"), "f_libelle"},
-        {QStringLiteral("Quantité"), "f_qte", Kind::Number},
-        {QString(), "f_pu", Kind::Amount, QStringLiteral("Prix unitaire")},
-        {QStringLiteral("Montant"), "f_montant", Kind::Amount},
-        {QStringLiteral("Compte"), "t_kvarn"},
-        {QStringLiteral("Analytique"), "t_jkv"},
-    };
-    return columns;
-}
-
-store::Query transferSelectionQuery(const invoicing::SelectionCondition& selection,
-                                    TransferLayout layout, const QString& level) {
-    const QString select =
-        QStringLiteral("SELECT ") + sql::kCompetitionColumns +
-        QStringLiteral(
-            ", f.f_num_facture AS c_num_facture, f.f_num_lig AS c_fact_ir, "
-            "f.f_tri_date AS c_tri_facture, e.ent_fact_echeance AS c_date_enreg, ") +
-        sql::kLineDate +
-        QStringLiteral(
-            " AS c_date_facture, f.f_article, substr(f.f_libelle, 1, 50) AS f_libelle, "
-            "f.f_qte, f.f_pu, f.f_montant, f.f_tiers_fact, f.f_nature, ") +
-        accountColumns(layout) +
-        QStringLiteral(", e.ent_fact_no, e.ent_tiers_fact, e.ent_c_index") + kTransferFrom +
-        QStringLiteral(" LEFT JOIN strarticle a ON a.a_index = f.f_article");
-    return {select, transferCondition(selection, level),
-            QStringLiteral("c_num_facture, c_fact_ir")};
-}
-
-ReportTotals transferSelectionTotals(const store::Store& store,
-                                     const invoicing::SelectionCondition& selection,
-                                     const QString& level) {
-    const store::Condition where = transferCondition(selection, level);
-    const auto row =
-        store.selectOne(QStringLiteral("SELECT COUNT(*), CAST(COALESCE(SUM(f.f_montant), 0) AS "
-                                       "BIGINT), CAST(COALESCE(SUM(f.f_qte), 0) AS BIGINT)") +
-                            kTransferFrom + where.where(),
-                        where.params());
-    ReportTotals t;
-    if (row) {
-        t.lines = row->value(0).toInt();
-        t.amount = Money::fromVariant(row->value(1));
-        t.quantity = row->value(2).toLongLong();
-    }
-    return t;
-}
-
-std::vector<LinesWithoutAccount> linesWithoutAccount(const store::Store& store,
-                                                     const invoicing::SelectionCondition& selection,
-                                                     const QString& level) {
-    const QString account = lineTariff(QStringLiteral("t_kvarn"));
-    const store::Condition where =
-        transferCondition(selection, level) &&
-        store::Condition(QStringLiteral("COALESCE(trim(%1), '') = ''").arg(account));
-    std::vector<LinesWithoutAccount> out;
-    for (const auto& r :
-         store.select(QStringLiteral("SELECT f.f_article, f.f_nature, COUNT(*)") + kTransferFrom +
-                          where.where() +
-                          QStringLiteral(" GROUP BY f.f_article, f.f_nature ORDER BY f.f_article, "
-                                         "f.f_nature"),
-                      where.params()))
-        out.push_back(
-            {r.value(0).toString().trimmed(), r.value(1).toString().trimmed(), r.value(2).toInt()});
-    return out;
-}
-
-QString linesWithoutAccountText(const std::vector<LinesWithoutAccount>& lines) {
-    int total = 0;
-    QStringList which;
-    for (const auto& l : lines) {
-        total += l.lines;
-        which << QStringLiteral("article %1, nature %2 : %3 ligne(s)")
-                     .arg(l.article, l.nature.isEmpty() ? QStringLiteral("(aucune)") : l.nature)
-                     .arg(l.lines);
-    }
-    return QStringLiteral(
-               "%1 ligne(s) à transférer n'ont pas de compte KVARN dans les tarifs ; elles "
-               "seront écrites sans compte :\n%2\nComplétez les tarifs de ces articles pour "
-               "qu'elles en aient un.")
-        .arg(total)
-        .arg(which.join(QChar('\n')));
-}
-
 QString nationalTransferName(const QDate& day) {
     return kTransferPrefix + format::sortDate(day) + kTransferSuffix;
 }
@@ -377,40 +163,12 @@ TransferResult writeTransfer(store::Store& store, const QString& folder, Transfe
     store::Transaction tx(store);
     store.lockSeries(kTransferSeries);
     // Read inside the transaction: the file holds exactly what is marked.
-    const bool national = layout == TransferLayout::National;
-    // One statement reads what the file holds: one consistent view of the
-    // invoices, whatever other workstations commit meanwhile.
     const store::Condition where = transferCondition(selection, level);
-    const store::Rows rows = store.select(fileStatement(layout, where), where.params());
-    if (rows.empty()) throw Refusal(kNothingToTransfer);
-
-    TransferContent content;
-    if (national) {
-        content = nationalTransfer(fileLines<NationalLine>(
-            rows,
-            {"c_num_facture", "x_lead", "x_header", "c_numero", "x_competition", "f_montant",
-             "t_kvarn", "t_jkv", "ent_fact_no"},
-            [](const store::Row& r, const std::vector<int>& at) {
-                return NationalLine{r.value(at[0]).toString(), r.value(at[1]).toString(),
-                                    optionalText(r, at[2]),    r.value(at[3]).toString(),
-                                    r.value(at[4]).toString(), Money::fromVariant(r.value(at[5])),
-                                    r.value(at[6]).toString(), r.value(at[7]).toString(),
-                                    optionalText(r, at[8])};
-            }));
-    } else {
-        content = leagueTransfer(
-            fileLines<LeagueLine>(
-                rows,
-                {"c_num_facture", "x_lead", "c_date_facture", "f_tiers_fact", "f_montant",
-                 "t_kvarn", "t_jkv", "ent_fact_no"},
-                [](const store::Row& r, const std::vector<int>& at) {
-                    return LeagueLine{r.value(at[0]).toString(),          r.value(at[1]).toString(),
-                                      r.value(at[2]).toString(),          r.value(at[3]).toString(),
-                                      Money::fromVariant(r.value(at[4])), r.value(at[5]).toString(),
-                                      r.value(at[6]).toString(),          optionalText(r, at[7])};
-                }),
-            customerAccounts(store));
-    }
+    const TransferContent content =
+        layout == TransferLayout::National
+            ? nationalTransfer(nationalFileLines(store, where))
+            : leagueTransfer(leagueFileLines(store, where), customerAccounts(store));
+    if (content.lines == 0) throw Refusal(kNothingToTransfer);
     // One national file a day, replaced; league files are never overwritten.
     const QString finalPath = layout == TransferLayout::National
                                   ? dir.filePath(nationalTransferName(today))

@@ -4,8 +4,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStringDecoder>
+#include <initializer_list>
 
 #include "accounting/AccountingConstants.h"
+#include "app/OperatorRoles.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
 
@@ -28,6 +30,16 @@ QString field(const QString& value) {
     QString v = value;
     v.replace(QChar(';'), QChar(','));
     return v;
+}
+
+// Fields as a line writes them, each followed by its ";".
+QString fields(std::initializer_list<QString> values) {
+    QString line;
+    for (const QString& v : values) {
+        line += field(v);
+        line += QChar(';');
+    }
+    return line;
 }
 
 // A whole line: no value may break it in two.
@@ -59,9 +71,7 @@ QString leagueAmount(Money m) { return format::zeroPaddedAmount(m, 5, QChar(',')
 }  // namespace
 
 TransferLayout transferLayoutOf(const QString& userLeague) {
-    return userLeague.trimmed().compare(kNationalLeague, Qt::CaseInsensitive) == 0
-               ? TransferLayout::National
-               : TransferLayout::League;
+    return app::isNationalCode(userLeague) ? TransferLayout::National : TransferLayout::League;
 }
 
 void CustomerAccounts::addClub(const QString& code, const QString& account) {
@@ -91,27 +101,18 @@ QString nationalInvoiceKey(const QString& season, const QString& number) {
     return season.trimmed() + (ok ? format::zeroPad(v, 4) : last);
 }
 
-TransferContent nationalTransfer(const std::vector<NationalLine>& rows) {
+TransferContent nationalTransfer(const std::vector<NationalLine>& lines) {
     TransferContent out;
     QString text = kNationalHeader + kLineEnd;
-    text.reserve(static_cast<qsizetype>(rows.size()) * 120 + 256);
-    const QString noHeader = kNoDueDate + QStringLiteral(";;;");
-    size_t i = 0;
-    while (i < rows.size()) {
-        const NationalLine& first = rows[i];
-        Money sum;
-        size_t j = i;
-        while (j < rows.size() && sameKey(rows[j].number, first.number) &&
-               sameKey(rows[j].account, first.account) && sameKey(rows[j].analysis, first.analysis))
-            sum += rows[j++].amount;
-        appendLine(text, first.lead + first.header.value_or(noHeader) +
-                             tournamentNumber(first.tournament) + QChar(';') + first.competition +
-                             format::fileAmount(sum) + QChar(';') + field(first.account) +
-                             QChar(';') + field(first.analysis) + QChar(';'));
+    text.reserve(static_cast<qsizetype>(lines.size()) * 120 + 256);
+    for (const NationalLine& l : lines) {
+        appendLine(text, fields({l.invoiceKey, l.invoiceDate, l.dueDate.value_or(kNoDueDate),
+                                 l.customerAccount, l.competitionIndex,
+                                 tournamentNumber(l.tournament), l.nature, l.code2, l.title,
+                                 format::fileAmount(l.amount), l.account, l.analysis}));
         ++out.lines;
-        out.amount += sum;
-        takeInvoice(out, first.headerNumber);
-        i = j;
+        out.amount += l.amount;
+        takeInvoice(out, l.headerNumber);
     }
     out.bytes = toWindows1252(text);
     return out;
@@ -130,20 +131,20 @@ TransferContent leagueTransfer(const std::vector<LeagueLine>& rows,
         for (; j < rows.size() && sameKey(rows[j].number, number); ++j) {
             const LeagueLine& r = rows[j];
             total += r.amount;
-            appendLine(text, r.lead + field(r.account) + QChar(';') + field(r.billedParty) +
-                                 QChar('-') + r.number + QStringLiteral(" du ") + r.invoiceDate +
-                                 QChar(';') + leagueAmount(r.amount) + QChar(';') +
-                                 (r.amount.isNegative() ? kDebit : kCredit) + QChar(';') +
-                                 field(r.analysis) + QChar(';'));
+            appendLine(text, fields({r.number, r.invoiceDate, r.dueDate, r.account,
+                                     r.billedParty + QChar('-') + r.number +
+                                         QStringLiteral(" du ") + r.invoiceDate,
+                                     leagueAmount(r.amount),
+                                     r.amount.isNegative() ? kDebit : kCredit, r.analysis}));
             ++out.lines;
         }
         // The customer's side of the invoice, after its last line.
         const LeagueLine& last = rows[j - 1];
-        appendLine(text, last.lead + field(accounts.accountOf(last.billedParty)) + QChar(';') +
-                             last.number + QStringLiteral(" du ") + last.invoiceDate + QChar(';') +
-                             leagueAmount(total) + QChar(';') +
-                             (total.isNegative() ? kCredit : kDebit) + QChar(';') +
-                             kDefaultAnalysisCode + QChar(';'));
+        appendLine(text, fields({last.number, last.invoiceDate, last.dueDate,
+                                 accounts.accountOf(last.billedParty),
+                                 last.number + QStringLiteral(" du ") + last.invoiceDate,
+                                 leagueAmount(total), total.isNegative() ? kCredit : kDebit,
+                                 kDefaultAnalysisCode}));
         ++out.lines;
         out.amount += total;
         takeInvoice(out, last.headerNumber);

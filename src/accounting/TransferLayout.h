@@ -20,28 +20,32 @@ enum class TransferLayout { National, League };
 // writes the league layout.
 TransferLayout transferLayoutOf(const QString& userLeague);
 
-// One invoice line to transfer in the national layout. The transfer's
-// statement joins the fixed fields with their ";" (a ";" inside a value made
-// ","), so that a season's lines travel as few values.
+// One line of the national layout, a field per column of the file. The
+// transfer's statement has already summed the invoice lines of the same
+// invoice, account and code (compared without regard to case) into it.
 struct NationalLine {
-    QString number;  // the line's invoice number: consecutive lines are summed by it
-    QString lead;    // "N° Facture;Date Facture;"
-    // "Date Echeance;Compte Tiers;Index Competition;" of the header; nothing
-    // when the header is missing.
-    std::optional<QString> header;
-    QString tournament;   // c_numero, written "000"
-    QString competition;  // "Nature;CODE2;Intitule Competition;"
-    Money amount;
-    QString account;                      // t_kvarn
-    QString analysis;                     // t_jkv
-    std::optional<QString> headerNumber;  // the header the line marks
+    QString invoiceKey;   // "N° Facture": the season and the number's last four digits
+    QString invoiceDate;  // "Date Facture", dd/mm/yyyy
+    // "Date Echeance"; nothing when the line's header is missing, which the
+    // file writes as kNoDueDate with no party and no competition index.
+    std::optional<QString> dueDate;
+    QString customerAccount;              // "Compte Tiers"
+    QString competitionIndex;             // "Index Competition"
+    QString tournament;                   // "Num Tournoi": c_numero, a number written "000"
+    QString nature;                       // "Nature"
+    QString code2;                        // "CODE2"
+    QString title;                        // "Intitule Competition"
+    Money amount;                         // "Montant"
+    QString account;                      // "KVARN": t_kvarn
+    QString analysis;                     // "JKV": t_jkv
+    std::optional<QString> headerNumber;  // the header the line marks (not written)
 };
 
 // One invoice line to transfer in the league layout.
 struct LeagueLine {
-    QString number;       // the whole invoice number, eight digits at least
-    QString lead;         // "N Facture;Date Facture;Date Echeance;"
-    QString invoiceDate;  // "dd/mm/yyyy"
+    QString number;       // "N Facture": the whole invoice number, eight digits at least
+    QString invoiceDate;  // "Date Facture", dd/mm/yyyy
+    QString dueDate;      // "Date Echeance" of the header
     QString billedParty;  // f_tiers_fact
     Money amount;
     QString account;   // t_kvarn
@@ -70,9 +74,8 @@ struct TransferContent {
     Money amount;  // what the file transfers (credit side)
 };
 
-// National layout: rows in (number, account, code) order; consecutive rows of
-// the same three are summed into one line.
-TransferContent nationalTransfer(const std::vector<NationalLine>& rows);
+// National layout: a file line per line given, in the order given.
+TransferContent nationalTransfer(const std::vector<NationalLine>& lines);
 // League layout: rows in (number, line) order; a credit line per row, a
 // customer line after each invoice.
 TransferContent leagueTransfer(const std::vector<LeagueLine>& rows,

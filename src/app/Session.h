@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "app/OperatorRoles.h"
 #include "store/Clock.h"
 #include "store/Store.h"
 
@@ -48,9 +49,9 @@ class Session {
     void setUser(const Operator& user);
 
     // The national level sees everything.
-    bool isNational() const { return m_user.league == QStringLiteral("JKV"); }
-    // A committee user's login begins "CD"; its league value is the committee number.
-    bool isCommitteeUser() const { return m_user.login.startsWith(QStringLiteral("CD")); }
+    bool isNational() const { return isNationalCode(m_user.league); }
+    // A committee user's league value is the committee number.
+    bool isCommitteeUser() const { return isCommitteeCode(m_user.login); }
     // Full rights belong to this one login, compared exactly.
     bool isAdministrator() const { return m_user.login == QStringLiteral("gestu"); }
 

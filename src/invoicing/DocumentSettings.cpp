@@ -4,6 +4,7 @@
 #include <QImageReader>
 #include <QStringList>
 
+#include "app/OperatorRoles.h"
 #include "app/Session.h"
 #include "store/Settings.h"
 
@@ -51,9 +52,10 @@ QStringList Letterhead::issuerLines() const {
     return lines;
 }
 
+bool DocumentSettings::nationalLetterhead() const { return app::isNationalCode(operatorLeague); }
+
 bool DocumentSettings::committeeOperator() const {
-    return operatorLogin.startsWith(QStringLiteral("CD"), Qt::CaseInsensitive) ||
-           operatorLeague.startsWith(QStringLiteral("CD"), Qt::CaseInsensitive);
+    return app::isCommitteeCode(operatorLogin) || app::isCommitteeCode(operatorLeague);
 }
 
 DocumentSettings documentSettings(const app::Session& session) {

@@ -51,8 +51,8 @@ struct DocumentSettings {
     QString operatorLogin;   // "" when nobody is signed in (a batch without --as)
     QString operatorLeague;  // the operator's entity code (par_region)
     // Below the national level the documents are printed on the league paper.
-    bool nationalLetterhead() const { return operatorLeague == QStringLiteral("JKV"); }
-    // A committee operator: login or entity code beginning "CD".
+    bool nationalLetterhead() const;
+    // A committee operator, by its login or by its entity code.
     bool committeeOperator() const;
 };
 DocumentSettings documentSettings(const app::Session& session);

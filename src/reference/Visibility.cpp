@@ -9,24 +9,22 @@ QString Viewer::committeeNumber() const { return formatNumber(league, 3); }
 
 QString Viewer::level() const {
     if (isNational()) return kNationalLevel;
-    if (isCommitteeUser()) return QStringLiteral("CD") + committeeNumber();
+    if (isCommitteeUser()) return app::kCommitteePrefix + committeeNumber();
     return league.trimmed();
 }
 
 bool Viewer::mayChange(const QString& owner) const { return levelMayChange(level(), owner); }
 
 bool levelMayChange(const QString& operatorLevel, const QString& owner) {
-    if (operatorLevel.trimmed().compare(kNationalLevel, Qt::CaseInsensitive) == 0) return true;
+    if (app::isNationalCode(operatorLevel)) return true;
     const QString o = owner.trimmed().isEmpty() ? kNationalLevel : owner.trimmed();
     return o.compare(operatorLevel.trimmed(), Qt::CaseInsensitive) == 0;
 }
 
 QString ofLevel(const QString& level) {
     const QString l = level.trimmed();
-    if (l.isEmpty() || l.compare(kNationalLevel, Qt::CaseInsensitive) == 0)
-        return QStringLiteral("du niveau national");
-    if (l.startsWith(QStringLiteral("CD"), Qt::CaseInsensitive))
-        return QStringLiteral("du comité départemental %1").arg(l.mid(2));
+    if (l.isEmpty() || app::isNationalCode(l)) return QStringLiteral("du niveau national");
+    if (app::isCommitteeCode(l)) return QStringLiteral("du comité départemental %1").arg(l.mid(2));
     return QStringLiteral("de la ligue %1").arg(l);
 }
 

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "app/OperatorRoles.h"
 #include "store/Condition.h"
 
 namespace orve::app {
@@ -15,8 +16,8 @@ struct Viewer {
     QString login;
     QString league;    // the user's league; a committee user's holds its committee number
     QString district;  // the installation's district
-    bool isNational() const { return league == QStringLiteral("JKV"); }
-    bool isCommitteeUser() const { return login.startsWith(QStringLiteral("CD")); }
+    bool isNational() const { return app::isNationalCode(league); }
+    bool isCommitteeUser() const { return app::isCommitteeCode(login); }
     // The committee number of a committee user, as keyed ("13" gives "013").
     QString committeeNumber() const;
     // The level the user works for: "JKV", "CD" and the committee's number
@@ -28,7 +29,7 @@ struct Viewer {
     static Viewer of(const app::Session& session);
 };
 
-inline const QString kNationalLevel = QStringLiteral("JKV");
+inline const QString& kNationalLevel = app::kNationalCode;
 
 // Whether an operator of `operatorLevel` may change what belongs to `owner`:
 // its own level's, and everything at the national level. An unknown owner is

@@ -1,3 +1,5 @@
+// The store as the rules use it: opening the installation's files, running
+// bound statements, and the transactions and snapshots around them.
 #include "store/Store.h"
 
 #include <sqlite3.h>
@@ -5,7 +7,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -16,12 +17,7 @@
 #include "store/FileWriting.h"
 #include "store/Formats.h"
 #include "store/Refusal.h"
-
-// Resources compiled into a static library must be pulled in by name.
-static void initSchemaResources() {
-    Q_INIT_RESOURCE(schema);
-    Q_INIT_RESOURCE(resources);
-}
+#include "store/StoreInternals.h"
 
 namespace orve::store {
 
@@ -29,82 +25,11 @@ QString trimmedText(const Row& row, const char* column) {
     return row.value(QLatin1String(column)).toString().trimmed();
 }
 
+using namespace internal;
+
 namespace {
 
 std::atomic<int> g_connectionCounter{0};
-
-QString nextConnectionName(const QString& prefix) {
-    return QStringLiteral("orve-%1-%2").arg(prefix).arg(++g_connectionCounter);
-}
-
-QString operationOf(const QString& sql) {
-    const QString verb = sql.trimmed().section(' ', 0, 0).toLower();
-    if (verb == QStringLiteral("select")) return QStringLiteral("lecture");
-    if (verb == QStringLiteral("insert")) return QStringLiteral("ajout");
-    if (verb == QStringLiteral("update")) return QStringLiteral("modification");
-    if (verb == QStringLiteral("delete")) return QStringLiteral("suppression");
-    if (verb == QStringLiteral("begin") || verb == QStringLiteral("savepoint"))
-        return QStringLiteral("début de l'opération");
-    if (verb == QStringLiteral("commit") || verb == QStringLiteral("release"))
-        return QStringLiteral("validation de l'opération");
-    if (verb == QStringLiteral("rollback")) return QStringLiteral("annulation de l'opération");
-    return QStringLiteral("opération");
-}
-
-// The first table a statement names, with its schema when it has one.
-QString tableOf(const QString& sql) {
-    static const QRegularExpression tableRe(
-        QStringLiteral("\\b(?:from|into|update|table|join)\\s+([A-Za-z_][A-Za-z0-9_.]*)"),
-        QRegularExpression::CaseInsensitiveOption);
-    const auto m = tableRe.match(sql);
-    return m.hasMatch() ? m.captured(1) : QString();
-}
-
-// A statement run while preparing or opening one file, where that file is
-// known whatever the statement says.
-[[noreturn]] void failIn(const QString& path, const QString& sql, const QSqlError& error) {
-    throw StoreError(QStringLiteral("Erreur de la base de données %1 (%2) : %3")
-                         .arg(QDir::toNativeSeparators(path), operationOf(sql),
-                              describeEngineError(error, false, QFileInfo(path).absolutePath())));
-}
-
-// The schema of a shared store on the server ("jkv" rather than SQLite's "main").
-QString serverSchema(File f) { return f == File::Jkv ? QStringLiteral("jkv") : schemaName(f); }
-
-const QString kSearchPath = QStringLiteral("SET search_path TO jkv, facture, tiers, mail, public");
-const QString kQuietNotices = QStringLiteral("SET client_min_messages TO warning");
-
-// SQLite's CAST(x AS INTEGER) takes the leading number of any text; the
-// server's would refuse a text that is not one. orve_int() does what SQLite does.
-QString serverDialect(const QString& sql) {
-    static const QRegularExpression cast(
-        QStringLiteral("CAST\\(\\s*([^()]*(?:\\([^()]*\\)[^()]*)*?)\\s+AS\\s+INTEGER\\s*\\)"),
-        QRegularExpression::CaseInsensitiveOption);
-    if (!sql.contains(QStringLiteral("AS INTEGER"), Qt::CaseInsensitive)) return sql;
-    QString out = sql;
-    out.replace(cast, QStringLiteral("orve_int(\\1)"));
-    return out;
-}
-
-bool lostConnectionText(const QString& text) {
-    return text.contains(QStringLiteral("server closed the connection"), Qt::CaseInsensitive) ||
-           text.contains(QStringLiteral("no connection to the server"), Qt::CaseInsensitive) ||
-           text.contains(QStringLiteral("terminating connection"), Qt::CaseInsensitive) ||
-           text.contains(QStringLiteral("connection to server"), Qt::CaseInsensitive) ||
-           text.contains(QStringLiteral("could not send data"), Qt::CaseInsensitive) ||
-           text.contains(QStringLiteral("could not receive data"), Qt::CaseInsensitive);
-}
-
-// Used where no Store exists yet: errors are those of the file at `path`.
-QSqlQuery runIn(const QSqlDatabase& db, const QString& path, const QString& sql,
-                const Params& params = {}) {
-    QSqlQuery q(db);
-    q.setForwardOnly(true);
-    if (!q.prepare(sql)) failIn(path, sql, q.lastError());
-    for (const auto& p : params) q.addBindValue(p);
-    if (!q.exec()) failIn(path, sql, q.lastError());
-    return q;
-}
 
 // orve_pli(text): the text folded as caselessText folds it. SQL's upper()
 // leaves accented letters alone, and nesting one replace() per letter
@@ -135,7 +60,23 @@ void addFunctions(const QSqlDatabase& db) {
                                nullptr, caselessFunction, nullptr, nullptr, nullptr);
 }
 
-QSqlDatabase openConnection(const QString& path, const QString& name) {
+}  // namespace
+
+QString internal::nextConnectionName(const QString& prefix) {
+    return QStringLiteral("orve-%1-%2").arg(prefix).arg(++g_connectionCounter);
+}
+
+QSqlQuery internal::runIn(const QSqlDatabase& db, const QString& path, const QString& sql,
+                          const Params& params) {
+    QSqlQuery q(db);
+    q.setForwardOnly(true);
+    if (!q.prepare(sql)) failIn(path, sql, q.lastError());
+    for (const auto& p : params) q.addBindValue(p);
+    if (!q.exec()) failIn(path, sql, q.lastError());
+    return q;
+}
+
+QSqlDatabase internal::openConnection(const QString& path, const QString& name) {
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
     db.setDatabaseName(path);
     db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
@@ -149,21 +90,6 @@ QSqlDatabase openConnection(const QString& path, const QString& name) {
     addFunctions(db);
     return db;
 }
-
-QStringList statementsOf(const QString& script) {
-    QString body;
-    for (const QString& line : script.split('\n')) {
-        if (line.trimmed().startsWith(QStringLiteral("--"))) continue;
-        body += line + '\n';
-    }
-    QStringList out;
-    for (const QString& s : body.split(';')) {
-        if (!s.trimmed().isEmpty()) out << s.trimmed();
-    }
-    return out;
-}
-
-}  // namespace
 
 QString fileName(File f) {
     switch (f) {
@@ -213,54 +139,6 @@ std::optional<File> fileByShortName(const QString& shortName) {
         if (fileName(f) == QStringLiteral("bow_%1.db").arg(shortName.toLower())) return f;
     }
     return std::nullopt;
-}
-
-void prepareFile(const QString& dataFolder, File f) {
-    initSchemaResources();
-    const QString path = QDir(dataFolder).filePath(fileName(f));
-    const QString name = nextConnectionName(QStringLiteral("schema"));
-    try {
-        QSqlDatabase db = openConnection(path, name);
-        const QString dir = QStringLiteral(":/schema/sqlite/%1")
-                                .arg(schemaName(f) == QStringLiteral("main") ? QStringLiteral("jkv")
-                                                                             : schemaName(f));
-        const QStringList scripts =
-            QDir(dir).entryList({QStringLiteral("*.sql")}, QDir::Files, QDir::Name);
-        int version = 0;
-        {
-            QSqlQuery v = runIn(db, path, QStringLiteral("PRAGMA user_version"));
-            if (v.next()) version = v.value(0).toInt();
-            if (v.lastError().isValid()) failIn(path, QStringLiteral("PRAGMA"), v.lastError());
-        }
-        for (const QString& script : scripts) {
-            const int number = script.section('_', 0, 0).toInt();
-            if (number <= version) continue;
-            QFile file(dir + '/' + script);
-            if (!file.open(QIODevice::ReadOnly))
-                throw StoreError(QStringLiteral("Le schéma %1 de %2 est illisible : %3")
-                                     .arg(script, fileName(f), file.errorString()));
-            const QString text = QString::fromUtf8(file.readAll());
-            if (!db.transaction()) failIn(path, QStringLiteral("BEGIN"), db.lastError());
-            try {
-                for (const QString& statement : statementsOf(text)) runIn(db, path, statement);
-                runIn(db, path, QStringLiteral("PRAGMA user_version = %1").arg(number));
-            } catch (...) {
-                db.rollback();
-                throw;
-            }
-            if (!db.commit()) {
-                const QSqlError error = db.lastError();
-                db.rollback();
-                failIn(path, QStringLiteral("COMMIT"), error);
-            }
-        }
-        runIn(db, path, QStringLiteral("PRAGMA journal_mode=WAL"));
-        db.close();
-    } catch (...) {
-        QSqlDatabase::removeDatabase(name);
-        throw;
-    }
-    QSqlDatabase::removeDatabase(name);
 }
 
 std::unique_ptr<Store> Store::open(const QString& dataFolder) {
@@ -357,95 +235,6 @@ std::unique_ptr<Store> Store::openScratch(const QString& folder) {
     return store;
 }
 
-void Store::connect(const PasswordPrompt& askPassword) {
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), m_connection);
-    if (!db.isValid())
-        throw StoreError(
-            QStringLiteral("Le pilote PostgreSQL de Qt n'est pas installé sur ce "
-                           "poste (paquet libqt6sql6-psql)."));
-    db.setHostName(m_address.host);
-    db.setPort(m_address.port);
-    db.setDatabaseName(m_address.database);
-    db.setUserName(m_address.user);
-    QString options = QStringLiteral("connect_timeout=10");
-    if (!m_address.sslmode.isEmpty()) options += QStringLiteral(";sslmode=") + m_address.sslmode;
-    db.setConnectOptions(options);
-    for (;;) {
-        if (!m_password.isEmpty()) db.setPassword(m_password);
-        if (db.open()) break;
-        const QSqlError error = db.lastError();
-        // The password file (~/.pgpass) had none: ask once, keep it in memory only.
-        if (askPassword && m_password.isEmpty() &&
-            error.text().contains(QStringLiteral("password"), Qt::CaseInsensitive)) {
-            m_password =
-                askPassword(QStringLiteral("Mot de passe de %1 sur le serveur %2 :")
-                                .arg(m_address.user.isEmpty() ? QStringLiteral("l'utilisateur")
-                                                              : m_address.user,
-                                     m_address.display()));
-            if (!m_password.isEmpty()) continue;
-        }
-        throw StoreError(QStringLiteral("Impossible de joindre la base partagée %1 : %2")
-                             .arg(m_address.display(), describeEngineError(error, true)));
-    }
-    QSqlQuery q(db);
-    // The server's notices ("already exists, skipping") are not for the operator.
-    if (!q.exec(kQuietNotices)) fail(kQuietNotices, q.lastError());
-    if (!q.exec(kSearchPath)) fail(kSearchPath, q.lastError());
-}
-
-void Store::prepareServer(bool creating) {
-    initSchemaResources();
-    const bool present = exists(
-        QStringLiteral("SELECT 1 FROM information_schema.schemata WHERE schema_name = 'jkv'"));
-    if (creating && present &&
-        exists(QStringLiteral("SELECT 1 FROM information_schema.tables WHERE table_schema IN "
-                              "('jkv', 'facture', 'tiers', 'mail')")))
-        throw Refusal(QStringLiteral("La base partagée %1 contient déjà une installation ORVE : "
-                                     "elle n'a pas été modifiée.")
-                          .arg(m_address.display()));
-    if (!creating && !present)
-        throw StoreError(QStringLiteral("La base partagée %1 ne contient pas d'installation ORVE. "
-                                        "Créez-la avec « orve-batch init DOSSIER --base %2 ».")
-                             .arg(m_address.display(), m_address.text()));
-    for (File f : sharedFiles()) {
-        const QString schema = serverSchema(f);
-        const QString dir = QStringLiteral(":/schema/postgres/%1").arg(schema);
-        const QStringList scripts =
-            QDir(dir).entryList({QStringLiteral("*.sql")}, QDir::Files, QDir::Name);
-        // Most starts find the schema up to date: no lock, no schema statement.
-        if (!creating && !scripts.isEmpty() &&
-            exists(QStringLiteral("SELECT 1 FROM %1.orve_version HAVING max(version) >= ?")
-                       .arg(schema),
-                   {scripts.last().section('_', 0, 0).toInt()}))
-            continue;
-        Transaction tx(*this);
-        // Two workstations starting at once upgrade the schema one after the other.
-        lockSeries(QStringLiteral("orve-schema"));
-        exec(QStringLiteral("CREATE SCHEMA IF NOT EXISTS %1").arg(schema));
-        exec(QStringLiteral("CREATE TABLE IF NOT EXISTS %1.orve_version (version integer NOT NULL)")
-                 .arg(schema));
-        const int version =
-            scalar(
-                QStringLiteral("SELECT COALESCE(max(version), 0) FROM %1.orve_version").arg(schema))
-                .toInt();
-        for (const QString& script : scripts) {
-            const int number = script.section('_', 0, 0).toInt();
-            if (number <= version) continue;
-            QFile file(dir + '/' + script);
-            if (!file.open(QIODevice::ReadOnly))
-                throw StoreError(QStringLiteral("Le schéma %1 de %2 est illisible : %3")
-                                     .arg(script, schema, file.errorString()));
-            exec(QStringLiteral("SET LOCAL search_path TO %1, public").arg(schema));
-            for (const QString& statement : statementsOf(QString::fromUtf8(file.readAll())))
-                exec(statement);
-            exec(QStringLiteral("INSERT INTO %1.orve_version (version) VALUES (?)").arg(schema),
-                 {number});
-        }
-        tx.commit();
-    }
-    exec(kSearchPath);
-}
-
 void Store::learnTables() {
     m_tableFiles.clear();
     for (File f : sharedFiles())
@@ -520,69 +309,6 @@ Store& Store::scratch() const {
 }
 
 QSqlDatabase Store::database() const { return QSqlDatabase::database(m_connection, false); }
-
-bool Store::connectionLost() const {
-    if (!postgres()) return false;
-    QSqlDatabase db = database();
-    if (!db.isOpen()) return true;
-    // A failed statement leaves the server's transaction aborted, and then any
-    // ping fails too: only a connection-level failure means the server is gone.
-    QSqlQuery ping(db);
-    return !ping.exec(QStringLiteral("SELECT 1")) && lostConnectionText(ping.lastError().text());
-}
-
-void Store::fail(const QString& sql, const QSqlError& error) const {
-    if (postgres() && (lostConnectionText(error.text()) || connectionLost())) {
-        // The server has rolled back whatever was in hand; the next action
-        // opens a new connection.
-        m_lost = true;
-        // Lost while the server was committing, the operation may or may not
-        // have been kept: say so rather than promise either.
-        if (sql.trimmed().compare(QStringLiteral("COMMIT"), Qt::CaseInsensitive) == 0)
-            throw StoreError(QStringLiteral("La connexion au serveur de la base partagée %1 a été "
-                                            "perdue pendant l'enregistrement : vérifiez si "
-                                            "l'opération a été enregistrée avant de la refaire.")
-                                 .arg(m_address.display()));
-        // The server's own English words ("terminating connection …") are
-        // for its log, not for the operator.
-        throw StoreError(QStringLiteral("La connexion au serveur de la base partagée %1 est "
-                                        "perdue : l'écriture en cours est annulée (ce qui avait "
-                                        "été enregistré avant elle le reste). Réessayez dans un "
-                                        "instant : ORVE se reconnectera.")
-                             .arg(m_address.display()));
-    }
-    const QString table = tableOf(sql);
-    QString where;
-    if (!table.isEmpty()) {
-        // "tri.strcompetition" lives in the scratch file, "strcompetition" in jkv.
-        const QString schema = table.contains('.') ? table.section('.', 0, 0).toLower() : QString();
-        const QString bare = table.section('.', -1).toLower();
-        std::optional<File> file;
-        for (File f : allFiles())
-            if (schemaName(f) == schema || (postgres() && serverSchema(f) == schema)) file = f;
-        if (!file) {
-            const auto it = m_tableFiles.find(bare);
-            if (it != m_tableFiles.end()) file = it->second;
-        }
-        const QString store =
-            !file ? QStringLiteral("des données")
-            : postgres()
-                ? QStringLiteral("partagée %1 (%2)").arg(m_address.display(), serverSchema(*file))
-                : fileName(*file);
-        where = QStringLiteral("%1, table %2").arg(store, bare);
-    } else if (postgres()) {
-        where = QStringLiteral("partagée %1").arg(m_address.display());
-    } else {
-        // BEGIN, COMMIT and the like concern the whole installation.
-        where = QStringLiteral("du dossier %1").arg(QDir::toNativeSeparators(m_folder));
-    }
-    throw StoreError(
-        QStringLiteral("Erreur de la base de données %1 (%2) : %3")
-            .arg(where, operationOf(sql), describeEngineError(error, postgres(), m_folder)),
-        heldElsewhere(error, postgres()));
-}
-
-QString Store::dialect(const QString& sql) const { return postgres() ? serverDialect(sql) : sql; }
 
 namespace {
 
@@ -832,66 +558,6 @@ Snapshot::~Snapshot() {
     if (m_store.m_lost) return;  // the server has ended it already
     QSqlQuery q(m_store.database());
     q.exec(QStringLiteral("COMMIT"));
-}
-
-bool heldElsewhere(const QSqlError& error, bool server) {
-    const QString code = error.nativeErrorCode();
-    if (server)
-        return code == QStringLiteral("40P01") || code == QStringLiteral("55P03") ||
-               code == QStringLiteral("40001");
-    const int primary = code.toInt() & 0xff;
-    return primary == 5 || primary == 6;  // SQLITE_BUSY, SQLITE_LOCKED
-}
-
-QString describeEngineError(const QSqlError& error, bool server, const QString& folder) {
-    QString cause;
-    if (server) {
-        const QString state = error.nativeErrorCode();
-        if (heldElsewhere(error, true))
-            cause = QStringLiteral(
-                "la base est utilisée par un autre poste (réessayez dans un instant)");
-        else if (state == QStringLiteral("53100"))
-            cause = QStringLiteral("disque plein sur le serveur");
-        else if (state == QStringLiteral("25006"))
-            cause = QStringLiteral("la base est en lecture seule");
-        else if (state == QStringLiteral("42501") || state == QStringLiteral("28P01") ||
-                 state == QStringLiteral("28000"))
-            cause = QStringLiteral("accès refusé par le serveur (utilisateur ou mot de passe)");
-        else if (state == QStringLiteral("3D000"))
-            cause = QStringLiteral("cette base n'existe pas sur le serveur");
-    } else {
-        // SQLite's extended codes keep the primary code in their low byte.
-        switch (error.nativeErrorCode().toInt() & 0xff) {
-            case 5:  // SQLITE_BUSY
-            case 6:  // SQLITE_LOCKED
-                cause = QStringLiteral(
-                    "la base est utilisée par un autre poste (réessayez dans un instant)");
-                break;
-            case 13:
-                cause = QStringLiteral("disque plein");
-                break;  // SQLITE_FULL
-            case 26:    // SQLITE_NOTADB
-            case 11:    // SQLITE_CORRUPT
-                cause = QStringLiteral("ce fichier n'est pas une base ORVE ou il est endommagé");
-                break;
-            case 8:
-                cause = QStringLiteral("le fichier est en lecture seule");
-                break;
-            case 14:
-                cause = QStringLiteral("le fichier ne peut pas être ouvert");
-                break;
-            case 10:  // SQLITE_IOERR: a write refused near the end of the room
-                cause = !folder.isEmpty() && diskNearlyFull(folder)
-                            ? QStringLiteral("disque plein")
-                            : QStringLiteral("erreur de lecture ou d'écriture sur le disque");
-                break;
-            default:
-                break;
-        }
-    }
-    const QString raw = format::echoed(error.text().trimmed());
-    if (cause.isEmpty()) return raw;
-    return raw.isEmpty() ? cause : cause + QStringLiteral(" [") + raw + QStringLiteral("]");
 }
 
 }  // namespace orve::store

@@ -162,6 +162,32 @@ TEST(AccountingTransfer, NationalLinesAreSummedByInvoiceAccountAndCode) {
               lead + "15,00;706100000;CHAF-A;\r\n" + lead + "20,00;706100000;CHAF-B;\r\n");
 }
 
+TEST(AccountingTransfer, NationalCodesThatDifferOnlyInCaseAreOneLine) {
+    TransferWorld w;
+    for (const auto& [article, code] : {std::pair{"00000001", "CHAF-A"}, {"00000005", "chaf-a"}})
+        w.store().insert("strtarif", {{"t_nature", "CHAF"},
+                                      {"t_article", article},
+                                      {"t_tri_deb", "20180901"},
+                                      {"t_kvarn", "706100000"},
+                                      {"t_jkv", code}});
+    test::addInvoice(w.store(), "2021000040", "F", "FD100001", "CHAF", "CL77001", "22/03/2021",
+                     "21/04/2021",
+                     {{"00000001", "Licence", 1, 1000},
+                      {"00000005", "Dossier", 1, 2000},
+                      {"00000001", "Licence", 1, 500}});
+    invoicing::SelectionState one;
+    one.season = "2021";
+    one.invoiceNumber = "2021000040";
+    const TransferResult r = writeTransfer(w.store(), w.folder(), TransferLayout::National, "jkv",
+                                           invoicing::buildSelectionCondition(one), w.today());
+    EXPECT_EQ(r.lines, 1);
+    EXPECT_EQ(r.amount, Money::fromCents(3500));
+    const QStringList lines = QString::fromLatin1(test::fileBytes(r.path)).split("\r\n");
+    ASSERT_EQ(lines.size(), 3);  // caption, the line, nothing after the last line end
+    EXPECT_TRUE(lines[1].endsWith(";35,00;706100000;CHAF-A;", Qt::CaseInsensitive))
+        << lines[1].toStdString();
+}
+
 TEST(AccountingTransfer, MonthChoosesWholeInvoicesByTheirDate) {
     TransferWorld w;
     // A two-digit year is one of this century.
@@ -232,19 +258,21 @@ TEST(AccountingTransfer, EachLevelTransfersWhatItIssuedAndNewInvoicesWaitForTheN
 
 TEST(AccountingTransfer, ALineWithoutItsHeaderIsWrittenWithoutDueDateAndMarksNothing) {
     NationalLine line;
-    line.number = "00000077";
-    line.lead = "20210077;07/10/2020;";
+    line.invoiceKey = "20210077";
+    line.invoiceDate = "07/10/2020";
     line.tournament = "12";
-    line.competition = "LIC;;Licences;";
+    line.nature = "LIC";
+    line.title = "Licences";
     line.amount = Money::fromCents(4500);
     line.account = "756100000";
     line.analysis = "LIC";
     NationalLine other = line;
-    other.number = "00000078";
-    other.header = "01/11/2020;CL77001;1FA00000;";
+    other.dueDate = "01/11/2020";
+    other.customerAccount = "CL77001";
+    other.competitionIndex = "1FA00000";
     other.headerNumber = "78";
     other.tournament = "T1";
-    other.competition = "LIC;;Licences\nde saison;";
+    other.title = "Licences\nde saison";
     const TransferContent c = nationalTransfer({line, other});
     EXPECT_EQ(c.bytes, QByteArray(QString(kNationalHeader).toLatin1()) +
                            "\r\n20210077;07/10/2020;00000000;;;012;LIC;;Licences;45,00;756100000;"
