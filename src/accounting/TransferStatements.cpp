@@ -93,7 +93,8 @@ QString nationalStatement(const store::Condition& where) {
 
 QString leagueStatement(const store::Condition& where) {
     return QStringLiteral("SELECT f.f_num_facture AS c_num_facture, ") + sql::kLineDate +
-           QStringLiteral(" AS c_date_facture, e.ent_fact_echeance, f.f_tiers_fact, f.f_montant, ") +
+           QStringLiteral(
+               " AS c_date_facture, e.ent_fact_echeance, f.f_tiers_fact, f.f_montant, ") +
            accountColumns(TransferLayout::League) + QStringLiteral(", e.ent_fact_no") +
            linesFrom(where) + QStringLiteral(" ORDER BY c_num_facture, f.f_num_lig");
 }
@@ -130,7 +131,6 @@ store::Condition transferCondition(const invoicing::SelectionCondition& s, const
         c &= store::Condition(QStringLiteral("e.ent_fact_no = ?"), {s.invoiceNumber});
     return c;
 }
-
 
 std::vector<NationalLine> nationalFileLines(const store::Store& store,
                                             const store::Condition& where) {

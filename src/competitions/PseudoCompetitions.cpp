@@ -1,5 +1,6 @@
 #include "competitions/PseudoCompetitions.h"
 
+#include "invoicing/RecordStates.h"
 #include "store/Formats.h"
 
 namespace orve::competitions {

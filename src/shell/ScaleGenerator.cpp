@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "invoicing/InvoiceHomes.h"
+#include "invoicing/RecordStates.h"
 #include "shell/ScaleRows.h"
 #include "store/Formats.h"
 #include "store/Seasons.h"
@@ -167,10 +168,10 @@ class Generator {
                                 {"c_arbitre", "NC"},
                                 {"c_date_enreg", format::displayDate(m_today)},
                                 {"c_date_modif", format::displayDate(m_today)},
-                                {"c_facture", "X"},
+                                {"c_facture", invoicing::kPseudoState},
                                 {"c_num_facture", " "},
                                 {"c_tri_facture", " "},
-                                {"c_edt_fact", "OUI"},
+                                {"c_edt_fact", invoicing::kDocumentMade},
                                 {"c_nat_fact", "R"},
                                 {"c_fact_ligne", "N"},
                                 {"c_fact_engagement", "O"},

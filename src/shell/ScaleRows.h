@@ -139,9 +139,11 @@ struct Pseudo {
     QString nature;
 };
 
-inline constexpr const char* kTowns[] = {"Marseille", "Toulon", "Nice",   "Paris", "Boulogne", "Dijon",
-                              "Bordeaux",  "Nantes", "Angers", "Lyon",  "Aix",      "Aubagne"};
-inline constexpr const char* kClubWords[] = {"Bowling Club", "Strike Club",         "Les Quilles de",
-                                  "Spare Team",   "Association bowling", "Boule et Quilles"};
+inline constexpr const char* kTowns[] = {"Marseille", "Toulon", "Nice",     "Paris",
+                                         "Boulogne",  "Dijon",  "Bordeaux", "Nantes",
+                                         "Angers",    "Lyon",   "Aix",      "Aubagne"};
+inline constexpr const char* kClubWords[] = {"Bowling Club",        "Strike Club",
+                                             "Les Quilles de",      "Spare Team",
+                                             "Association bowling", "Boule et Quilles"};
 
 }  // namespace orve::shell::scale

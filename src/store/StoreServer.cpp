@@ -30,9 +30,12 @@ QString serverDialect(const QString& sql) {
 }  // namespace
 
 // The schema of a shared store on the server ("jkv" rather than SQLite's "main").
-QString internal::serverSchema(File f) { return f == File::Jkv ? QStringLiteral("jkv") : schemaName(f); }
+QString internal::serverSchema(File f) {
+    return f == File::Jkv ? QStringLiteral("jkv") : schemaName(f);
+}
 
-const QString internal::kSearchPath = QStringLiteral("SET search_path TO jkv, facture, tiers, mail, public");
+const QString internal::kSearchPath =
+    QStringLiteral("SET search_path TO jkv, facture, tiers, mail, public");
 const QString internal::kQuietNotices = QStringLiteral("SET client_min_messages TO warning");
 
 bool internal::lostConnectionText(const QString& text) {
