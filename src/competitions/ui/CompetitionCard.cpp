@@ -72,14 +72,20 @@ CompetitionCard::CompetitionCard(QWidget* parent)
     setObjectName(QStringLiteral("Frame1"));
     auto* columns = new QHBoxLayout(this);
     columns->setContentsMargins(6, 4, 6, 4);
-    auto* form = new QGridLayout;
-    form->setHorizontalSpacing(6);
-    form->setVerticalSpacing(4);
-    columns->addLayout(form, 3);
+    columns->addLayout(buildForm(), 3);
     auto* options = new QVBoxLayout;
     options->setSpacing(2);
     columns->addLayout(options, 2);
+    buildOptions(columns, options);
+    connectControls();
+    clear();
+}
 
+// Key, season, type, nature, title, composition, date and codifications.
+QGridLayout* CompetitionCard::buildForm() {
+    auto* form = new QGridLayout;
+    form->setHorizontalSpacing(6);
+    form->setVerticalSpacing(4);
     // The key is made at the first validation; it is never typed.
     m_index = box(this, "txt_index", 90, true);
     m_season = box(this, "txt_saison", 60);
@@ -141,6 +147,11 @@ CompetitionCard::CompetitionCard(QWidget* parent)
     form->setColumnStretch(1, 1);
     form->setRowStretch(6, 1);
 
+    return form;
+}
+
+// The three yes/no frames, the line counts beside the last two.
+void CompetitionCard::buildOptions(QHBoxLayout* columns, QVBoxLayout* options) {
     m_billedKindText = box(this, "txt_nat_fact", 30, true);
     m_entryText = box(this, "txt_fact_engagement", 30, true);
     m_linesText = box(this, "txt_fact_ligne", 30, true);
@@ -172,7 +183,9 @@ CompetitionCard::CompetitionCard(QWidget* parent)
     linesColumn->addWidget(lines);
     linesColumn->addStretch(1);
     columns->addLayout(linesColumn, 3);
+}
 
+void CompetitionCard::connectControls() {
     connect(m_natures, &QComboBox::activated, this, &CompetitionCard::chooseNature);
     connect(m_compositions, &QComboBox::activated, this, &CompetitionCard::chooseComposition);
     connect(m_date, &QLineEdit::textChanged, this, &CompetitionCard::dateChanged);
@@ -205,7 +218,6 @@ CompetitionCard::CompetitionCard(QWidget* parent)
         connect(count, &QLineEdit::editingFinished, this,
                 [count] { count->setText(lineCountText(count->text())); });
     }
-    clear();
 }
 
 void CompetitionCard::setNatures(const app::ListItems& natures) {

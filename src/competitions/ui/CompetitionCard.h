@@ -7,6 +7,9 @@
 #include "competitions/CompetitionRegister.h"
 
 class QComboBox;
+class QGridLayout;
+class QHBoxLayout;
+class QVBoxLayout;
 class QLineEdit;
 class QRadioButton;
 
@@ -49,6 +52,9 @@ class CompetitionCard : public QGroupBox {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    QGridLayout* buildForm();
+    void buildOptions(QHBoxLayout* columns, QVBoxLayout* options);
+    void connectControls();
     void chooseNature();
     void chooseComposition();
     void dateChanged();

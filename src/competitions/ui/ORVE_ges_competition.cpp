@@ -53,6 +53,35 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
     layout->setContentsMargins(6, 4, 6, 4);
     layout->setSpacing(4);
 
+    layout->addLayout(competitionList(), 0);
+    layout->addWidget(m_competitions, 3);
+    addCard(layout);
+    layout->addLayout(invoicingPart(), 4);
+    connectActions();
+
+    // Rows calculated but not invoiced do not outlive a use of the window;
+    // what an interrupted run left is finished.
+    resumeInterruptedWork(m_session, m_dialogs);
+    app::guarded(m_dialogs, [&] {
+        app::ListItems natures;
+        for (const auto& row : reference::natures::list(m_session.store())) {
+            const auto n = reference::natures::fromRow(row);
+            natures.push_back({n.code.trimmed(), n.label});
+        }
+        m_card->setNatures(natures);
+        std::array<QStringList, 5> codes;
+        for (int i = 0; i < 5; ++i)
+            codes[i] = reference::codificationValues(m_session.store(), i + 1);
+        m_card->setCodifications(codes);
+        m_tariffs->load();
+    });
+    listCompetitions();
+    clearCompetition();
+    resize(1360, 730);
+}
+
+// The season chooser and caption above the list of competitions (DBGrid1).
+QHBoxLayout* ORVE_ges_competition::competitionList() {
     auto* top = new QHBoxLayout;
     m_seasons = app::newSeasonChooser(m_session.workingSeason(), this);
     auto* caption = new QLabel(QStringLiteral("Les Compétitions à Facturer"), this);
@@ -64,7 +93,6 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
     top->addSpacing(20);
     top->addWidget(caption);
     top->addStretch(1);
-    layout->addLayout(top);
 
     m_competitions = new app::DataGrid(QStringLiteral("DBGrid1"), this);
     m_competitions->setColumns(
@@ -81,8 +109,12 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
          {QStringLiteral("Finale"), "c_ligne_finale", Kind::Text},
          {QStringLiteral("tri_finale"), "c_tri_finale", Kind::Text}});
     m_competitions->setMinimumHeight(110);
-    layout->addWidget(m_competitions, 3);
 
+    return top;
+}
+
+// The card (Frame1) with its add, validate and cancel buttons.
+void ORVE_ges_competition::addCard(QVBoxLayout* layout) {
     m_card = new CompetitionCard;
     auto* scroll = new QScrollArea(this);
     scroll->setWidget(m_card);
@@ -108,12 +140,15 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
     cardButtons->addWidget(m_validate);
     cardButtons->addWidget(m_cancel);
     layout->addLayout(cardButtons);
+}
 
+// Under the card: the parties with the calculation, the generation and its
+// two price frames, and the tariffs of the competition's nature beside them.
+QHBoxLayout* ORVE_ges_competition::invoicingPart() {
     auto* bottom = new QHBoxLayout;
-    layout->addLayout(bottom, 4);
     auto* left = new QVBoxLayout;
     bottom->addLayout(left, 4);
-    m_parties = new PartyRowsPanel(session, dialogs, this);
+    m_parties = new PartyRowsPanel(m_session, m_dialogs, this);
     left->addWidget(m_parties, 1);
     auto* actions = new QHBoxLayout;
     m_calculateImage = imageButton(this, QStringLiteral("ImgCalcul"),
@@ -133,19 +168,23 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
     left->addLayout(actions);
     auto* prices = new QHBoxLayout;
     m_entryPrice = new PriceFrame(
-        dialogs, QStringLiteral("Frame3"), QStringLiteral("Tarif engagement par joueur"),
+        m_dialogs, QStringLiteral("Frame3"), QStringLiteral("Tarif engagement par joueur"),
         QStringLiteral("txt_pu_engt"), QStringLiteral("CmdValEngagt"), this);
     m_linePrice =
-        new PriceFrame(dialogs, QStringLiteral("Frame4"), QStringLiteral("Tarif d'une ligne"),
+        new PriceFrame(m_dialogs, QStringLiteral("Frame4"), QStringLiteral("Tarif d'une ligne"),
                        QStringLiteral("txt_pu_ligne"), QStringLiteral("CmdValLigne"), this);
     prices->addWidget(m_entryPrice);
     prices->addWidget(m_linePrice);
     prices->addStretch(1);
     left->addLayout(prices);
 
-    m_tariffs = new CompetitionTariffPanel(session, dialogs, this);
+    m_tariffs = new CompetitionTariffPanel(m_session, m_dialogs, this);
     bottom->addWidget(m_tariffs, 3);
 
+    return bottom;
+}
+
+void ORVE_ges_competition::connectActions() {
     connect(m_seasons, &QComboBox::activated, this, &ORVE_ges_competition::chooseSeason);
     connect(m_competitions, &app::DataGrid::rowChosen, this,
             &ORVE_ges_competition::chooseCompetition);
@@ -164,26 +203,6 @@ ORVE_ges_competition::ORVE_ges_competition(app::Session& session, app::Dialogs& 
     connect(m_invoiceImage, &QToolButton::clicked, this, &ORVE_ges_competition::invoice);
     connect(m_entryPrice, &PriceFrame::confirmed, this, &ORVE_ges_competition::entryPriceConfirmed);
     connect(m_linePrice, &PriceFrame::confirmed, this, &ORVE_ges_competition::linePriceConfirmed);
-
-    // Rows calculated but not invoiced do not outlive a use of the window;
-    // what an interrupted run left is finished.
-    resumeInterruptedWork(m_session, m_dialogs);
-    app::guarded(m_dialogs, [&] {
-        app::ListItems natures;
-        for (const auto& row : reference::natures::list(m_session.store())) {
-            const auto n = reference::natures::fromRow(row);
-            natures.push_back({n.code.trimmed(), n.label});
-        }
-        m_card->setNatures(natures);
-        std::array<QStringList, 5> codes;
-        for (int i = 0; i < 5; ++i)
-            codes[i] = reference::codificationValues(m_session.store(), i + 1);
-        m_card->setCodifications(codes);
-        m_tariffs->load();
-    });
-    listCompetitions();
-    clearCompetition();
-    resize(1360, 730);
 }
 
 reference::Viewer ORVE_ges_competition::viewer() const { return reference::Viewer::of(m_session); }

@@ -10,6 +10,8 @@
 #include "competitions/CompetitionRegister.h"
 
 class QComboBox;
+class QHBoxLayout;
+class QVBoxLayout;
 class QLabel;
 class QPushButton;
 class QToolButton;
@@ -37,6 +39,11 @@ class ORVE_ges_competition : public QWidget {
 
   private:
     void chooseSeason();
+    // The window's parts, built once by the constructor.
+    QHBoxLayout* competitionList();
+    void addCard(QVBoxLayout* layout);
+    QHBoxLayout* invoicingPart();
+    void connectActions();
     void chooseCompetition(int row);
     // Shows a stored competition; `asking` puts the question of a frozen one.
     void showCompetition(const QString& index, bool asking);
