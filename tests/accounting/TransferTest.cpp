@@ -135,10 +135,13 @@ TEST(AccountingTransfer, LeagueFileIsTheHandWrittenOneAndNeverOverwritten) {
         "2021000032;04/12/2020;04/12/2020;999999;2021000032 du 04/12/2020;00012,50;D;000;\r\n");
 }
 
-TEST(AccountingTransfer, NationalLinesAreSummedByInvoiceAccountAndCode) {
-    TransferWorld w;
-    // One account, two second codes: two lines; the same pair twice: one.
-    for (const auto& [article, code] : {std::pair{"00000001", "CHAF-A"}, {"00000005", "CHAF-B"}})
+namespace {
+
+// One invoice of three lines on one account: two articles whose tariffs give
+// the second codes `first` and `second`, one of them twice.
+TransferResult oneInvoiceOfTwoCodes(TransferWorld& w, const char* first, const char* second,
+                                    const QString& level) {
+    for (const auto& [article, code] : {std::pair{"00000001", first}, {"00000005", second}})
         w.store().insert("strtarif", {{"t_nature", "CHAF"},
                                       {"t_article", article},
                                       {"t_tri_deb", "20180901"},
@@ -152,34 +155,27 @@ TEST(AccountingTransfer, NationalLinesAreSummedByInvoiceAccountAndCode) {
     invoicing::SelectionState one;
     one.season = "2021";
     one.invoiceNumber = "2021000040";
-    const TransferResult r = writeTransfer(w.store(), w.folder(), TransferLayout::National, "JKV",
-                                           invoicing::buildSelectionCondition(one), w.today());
-    const std::string file = test::fileBytes(r.path).toStdString();
-    const std::string lead =
-        "20210040;22/03/2021;21/04/2021;CL77001;FD100001;007;CHAF;DM;Challenge f\xE9"
-        "d\xE9ral de printemps;";
-    EXPECT_EQ(file.substr(file.find("\r\n") + 2),
-              lead + "15,00;706100000;CHAF-A;\r\n" + lead + "20,00;706100000;CHAF-B;\r\n");
+    return writeTransfer(w.store(), w.folder(), TransferLayout::National, level,
+                         invoicing::buildSelectionCondition(one), w.today());
 }
 
-TEST(AccountingTransfer, NationalCodesThatDifferOnlyInCaseAreOneLine) {
+}  // namespace
+
+TEST(AccountingTransfer, NationalLinesAreSummedByInvoiceAccountAndCode) {
+    // One account, two second codes: two lines; the same pair twice: one.
+    {
+        TransferWorld w;
+        const TransferResult r = oneInvoiceOfTwoCodes(w, "CHAF-A", "CHAF-B", "JKV");
+        const std::string file = test::fileBytes(r.path).toStdString();
+        const std::string lead =
+            "20210040;22/03/2021;21/04/2021;CL77001;FD100001;007;CHAF;DM;Challenge f\xE9"
+            "d\xE9ral de printemps;";
+        EXPECT_EQ(file.substr(file.find("\r\n") + 2),
+                  lead + "15,00;706100000;CHAF-A;\r\n" + lead + "20,00;706100000;CHAF-B;\r\n");
+    }
+    // Codes that differ only in case are one code, on both engines.
     TransferWorld w;
-    for (const auto& [article, code] : {std::pair{"00000001", "CHAF-A"}, {"00000005", "chaf-a"}})
-        w.store().insert("strtarif", {{"t_nature", "CHAF"},
-                                      {"t_article", article},
-                                      {"t_tri_deb", "20180901"},
-                                      {"t_kvarn", "706100000"},
-                                      {"t_jkv", code}});
-    test::addInvoice(w.store(), "2021000040", "F", "FD100001", "CHAF", "CL77001", "22/03/2021",
-                     "21/04/2021",
-                     {{"00000001", "Licence", 1, 1000},
-                      {"00000005", "Dossier", 1, 2000},
-                      {"00000001", "Licence", 1, 500}});
-    invoicing::SelectionState one;
-    one.season = "2021";
-    one.invoiceNumber = "2021000040";
-    const TransferResult r = writeTransfer(w.store(), w.folder(), TransferLayout::National, "jkv",
-                                           invoicing::buildSelectionCondition(one), w.today());
+    const TransferResult r = oneInvoiceOfTwoCodes(w, "CHAF-A", "chaf-a", "jkv");
     EXPECT_EQ(r.lines, 1);
     EXPECT_EQ(r.amount, Money::fromCents(3500));
     const QStringList lines = QString::fromLatin1(test::fileBytes(r.path)).split("\r\n");
