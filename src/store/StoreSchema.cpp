@@ -32,6 +32,16 @@ QStringList statementsOf(const QString& script) {
     return out;
 }
 
+// A schema script shipped in the program; `owner` names the file or schema
+// it upgrades in the message.
+QString scriptText(const QString& dir, const QString& script, const QString& owner) {
+    QFile file(dir + '/' + script);
+    if (!file.open(QIODevice::ReadOnly))
+        throw StoreError(QStringLiteral("Le schéma %1 de %2 est illisible : %3")
+                             .arg(script, owner, file.errorString()));
+    return QString::fromUtf8(file.readAll());
+}
+
 }  // namespace
 
 void prepareFile(const QString& dataFolder, File f) {
@@ -54,11 +64,7 @@ void prepareFile(const QString& dataFolder, File f) {
         for (const QString& script : scripts) {
             const int number = script.section('_', 0, 0).toInt();
             if (number <= version) continue;
-            QFile file(dir + '/' + script);
-            if (!file.open(QIODevice::ReadOnly))
-                throw StoreError(QStringLiteral("Le schéma %1 de %2 est illisible : %3")
-                                     .arg(script, fileName(f), file.errorString()));
-            const QString text = QString::fromUtf8(file.readAll());
+            const QString text = scriptText(dir, script, fileName(f));
             if (!db.transaction()) failIn(path, QStringLiteral("BEGIN"), db.lastError());
             try {
                 for (const QString& statement : statementsOf(text)) runIn(db, path, statement);
@@ -120,13 +126,9 @@ void Store::prepareServer(bool creating) {
         for (const QString& script : scripts) {
             const int number = script.section('_', 0, 0).toInt();
             if (number <= version) continue;
-            QFile file(dir + '/' + script);
-            if (!file.open(QIODevice::ReadOnly))
-                throw StoreError(QStringLiteral("Le schéma %1 de %2 est illisible : %3")
-                                     .arg(script, schema, file.errorString()));
+            const QString text = scriptText(dir, script, schema);
             exec(QStringLiteral("SET LOCAL search_path TO %1, public").arg(schema));
-            for (const QString& statement : statementsOf(QString::fromUtf8(file.readAll())))
-                exec(statement);
+            for (const QString& statement : statementsOf(text)) exec(statement);
             exec(QStringLiteral("INSERT INTO %1.orve_version (version) VALUES (?)").arg(schema),
                  {number});
         }
