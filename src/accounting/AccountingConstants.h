@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include "invoicing/RecordStates.h"
+
 // What the accounting transfer, the sales journal and the statistics fix in
 // the program: default accounts, file names, and the operator's messages.
 namespace orve::accounting {
@@ -34,9 +36,9 @@ inline const QString kLeagueHeader = QStringLiteral(
 inline const QString kCredit = QStringLiteral("C");
 inline const QString kDebit = QStringLiteral("D");
 
-// Transfer states of an invoice header (ent_compta).
-inline const QString kTransferred = QStringLiteral("O");
-inline const QString kNotTransferred = QStringLiteral("N");
+// Transfer states of an invoice header (ent_compta): its yes and no.
+inline const QString& kTransferred = invoicing::kYes;
+inline const QString& kNotTransferred = invoicing::kNo;
 
 // Who to call when a cancelled file names an invoice that is gone; orve.ini
 // [support] contact replaces it.

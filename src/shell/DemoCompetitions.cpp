@@ -7,7 +7,6 @@
 #include "competitions/CompetitionInvoicing.h"
 #include "competitions/CompetitionRegister.h"
 #include "competitions/RowInvoicing.h"
-#include "invoicing/InvoiceParties.h"
 #include "invoicing/InvoiceRecords.h"
 #include "invoicing/RecordStates.h"
 #include "reference/Visibility.h"
@@ -62,7 +61,7 @@ void invoicePastCompetition(Store& s, const reference::Viewer& viewer, const QSt
     competitions::calculateCompetition(s, viewer, index, c.nature, false);
     for (const auto& r : s.select(competitions::rowsToInvoiceQuery(index))) {
         const QString rowName = r.value("c_nom_organisateur").toString();
-        const QString code = rowName.section(QStringLiteral(" - "), 0, 0).trimmed();
+        const QString code = competitions::partyCodeOf(rowName);
         const bool league =
             r.value("c_organisateur").toString().trimmed() == competitions::kLeagues;
         const competitions::PartyRowCounts counts{
@@ -82,7 +81,9 @@ void invoicePastCompetition(Store& s, const reference::Viewer& viewer, const QSt
         h.competitionIndex = r.value("c_index").toString();
         h.competitionTitle = c.title;
         h.codification = QStringLiteral(" ");
-        h.billed = league ? invoicing::leagueParty(s, code) : invoicing::clubParty(s, code);
+        // Laid out as the competitions' own runs lay out their parties.
+        h.billed = league ? competitions::leagueInvoiceParty(s, code, rowName)
+                          : competitions::clubInvoiceParty(s, code, rowName);
         h.client = h.billed;
         h.level = viewer.league;
         const QString number = invoicing::createInvoice(s, h, today);

@@ -6,20 +6,11 @@
 #include <QSqlError>
 #include <QStringEncoder>
 
+#include "store/StoreInternals.h"
+
 namespace orve::store {
 
 namespace {
-
-// The store's SQLite connection, when Qt's driver reached it through the
-// same SQLite library as ours (Debian's Qt uses the system one; a Qt built
-// with its own copy does not qualify, and its statements go through Qt).
-sqlite3* sameLibraryConnection(const QSqlDatabase& db, const QString& sourceId) {
-    const QVariant handle = db.driver()->handle();
-    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0) return nullptr;
-    sqlite3* connection = *static_cast<sqlite3* const*>(handle.constData());
-    if (!connection || sourceId != QString::fromLatin1(sqlite3_sourceid())) return nullptr;
-    return connection;
-}
 
 QSqlError nativeError(sqlite3* db) {
     return QSqlError(QStringLiteral("Unable to execute statement"),
@@ -33,9 +24,7 @@ PreparedStatement::PreparedStatement(const Store& store, const QString& sql)
     : m_store(store), m_sql(sql), m_query(store.database()) {
     if (m_store.m_lost) m_store.fail(m_sql, QSqlError());
     if (!m_store.postgres()) {
-        const QString sourceId =
-            m_store.scalar(QStringLiteral("SELECT sqlite_source_id()")).toString();
-        if (sqlite3* db = sameLibraryConnection(m_store.database(), sourceId)) {
+        if (sqlite3* db = internal::sameLibraryConnection(m_store.database())) {
             if (sqlite3_prepare16_v2(db, m_sql.utf16(), -1, &m_native, nullptr) != SQLITE_OK)
                 m_store.fail(m_sql, nativeError(db));
             m_parameters = sqlite3_bind_parameter_count(m_native);

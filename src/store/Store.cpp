@@ -46,21 +46,27 @@ void caselessFunction(sqlite3_context* context, int, sqlite3_value** args) {
                           SQLITE_TRANSIENT);
 }
 
-// Registered on the connection when Qt's driver uses the same SQLite library
-// as ours (Debian's Qt does); another library's connection is not ours to touch.
+// Registered on the connection only when it is our library's: another
+// library's connection is not ours to touch.
 void addFunctions(const QSqlDatabase& db) {
-    const QVariant handle = db.driver()->handle();
-    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0) return;
-    sqlite3* connection = *static_cast<sqlite3* const*>(handle.constData());
-    QSqlQuery q(db);
-    if (!connection || !q.exec(QStringLiteral("SELECT sqlite_source_id()")) || !q.next() ||
-        q.value(0).toString() != QString::fromLatin1(sqlite3_sourceid()))
-        return;
+    sqlite3* connection = sameLibraryConnection(db);
+    if (!connection) return;
     sqlite3_create_function_v2(connection, "orve_pli", 1, SQLITE_UTF16 | SQLITE_DETERMINISTIC,
                                nullptr, caselessFunction, nullptr, nullptr, nullptr);
 }
 
 }  // namespace
+
+sqlite3* internal::sameLibraryConnection(const QSqlDatabase& db) {
+    const QVariant handle = db.driver()->handle();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0) return nullptr;
+    sqlite3* connection = *static_cast<sqlite3* const*>(handle.constData());
+    QSqlQuery q(db);
+    if (!connection || !q.exec(QStringLiteral("SELECT sqlite_source_id()")) || !q.next() ||
+        q.value(0).toString() != QString::fromLatin1(sqlite3_sourceid()))
+        return nullptr;
+    return connection;
+}
 
 QString internal::nextConnectionName(const QString& prefix) {
     return QStringLiteral("orve-%1-%2").arg(prefix).arg(++g_connectionCounter);
